@@ -1,0 +1,41 @@
+# How every target of the tree is compiled, said once.
+
+include(GNUInstallDirs)
+
+# Applies the project's language level, warnings, sanitizers and include root to one target.
+function(flashwriter_configure target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_include_directories(${target} PUBLIC "${FlashWriter_SOURCE_DIR}")
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+  if(FLASHWRITER_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(FLASHWRITER_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=${FLASHWRITER_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${FLASHWRITER_SANITIZE})
+  endif()
+endfunction()
+
+# flashwriter_library(<name> SOURCES <file>... [DEPENDS <target>...])
+# One static library per folder: flashwriter_<name>, with the alias flashwriter::<name>.
+function(flashwriter_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_library(flashwriter_${name} STATIC ${ARG_SOURCES})
+  add_library(flashwriter::${name} ALIAS flashwriter_${name})
+  target_link_libraries(flashwriter_${name} PUBLIC ${ARG_DEPENDS})
+  flashwriter_configure(flashwriter_${name})
+endfunction()
+
+# flashwriter_test(<name> SOURCES <file>... [DEPENDS <target>...] [PROPERTIES <name> <value>...])
+# A GoogleTest program; each of its tests becomes one test of the suite, named <name>.<suite>.<test>.
+# PROPERTIES are given to each of them (for example RUN_SERIAL TRUE, TIMEOUT 60).
+function(flashwriter_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PROPERTIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
+  flashwriter_configure(${name})
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
+                       PROPERTIES ${ARG_PROPERTIES})
+endfunction()

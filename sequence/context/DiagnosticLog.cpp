@@ -1,0 +1,56 @@
+#include "sequence/context/DiagnosticLog.h"
+
+#include <array>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <exception>
+#include <string>
+
+namespace flashwriter {
+
+namespace {
+
+void writeToStandardError(const char* text) {
+    std::fprintf(stderr, "%s\n", text);
+}
+
+std::atomic<DiagnosticSink> currentSink{writeToStandardError};
+
+// A line that outgrows the stack buffer is formatted again into a string of its size; when even
+// that cannot be had, its beginning is logged.
+void logLongLine(DiagnosticSink sink, const char* beginning, std::size_t length, const char* format,
+                 std::va_list arguments) {
+    try {
+        std::string whole(length, '\0');
+        std::vsnprintf(whole.data(), whole.size() + 1, format, arguments);
+        sink(whole.c_str());
+    } catch (const std::exception&) {
+        sink(beginning);
+    }
+}
+
+} // namespace
+
+void setDiagnosticSink(DiagnosticSink sink) {
+    currentSink = sink != nullptr ? sink : writeToStandardError;
+}
+
+void diagnosticLog(const char* format, ...) {
+    const DiagnosticSink sink = currentSink;
+    std::array<char, 512> line{};
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
+    va_end(arguments);
+    if (length >= static_cast<int>(line.size())) {
+        logLongLine(sink, line.data(), static_cast<std::size_t>(length), format, again);
+    } else if (length >= 0) {
+        sink(line.data());
+    }
+    va_end(again);
+}
+
+} // namespace flashwriter

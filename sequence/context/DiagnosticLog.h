@@ -1,0 +1,17 @@
+// The diagnostic log: what happened, for whoever looks for a fault. The person who writes a board
+// never sees it; the log view has its own lines.
+#pragma once
+
+namespace flashwriter {
+
+// Receives one line, without a line break, NUL-terminated, valid during the call only. Called on
+// whichever thread logs, by several at once; must not throw.
+using DiagnosticSink = void (*)(const char* text);
+
+// Replaces the sink; nullptr brings back the first one, which writes a line to standard error.
+void setDiagnosticSink(DiagnosticSink sink);
+
+// Hands one line, formatted as by printf, to the sink. Any thread; never throws.
+[[gnu::format(printf, 1, 2)]] void diagnosticLog(const char* format, ...);
+
+} // namespace flashwriter
