@@ -1,0 +1,78 @@
+// Linux: ports start in a terminal's attributes, any speed is set through termios2, and short
+// packets are held back unless asked for.
+#include "serial/platform/SerialDevice.h"
+
+#include <linux/serial.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+
+// The kernel's header is the only one that has termios2, and the C library's is the only one that
+// has the functions; both define a struct termios, so the kernel's gets another name here.
+#define termios kernel_termios
+#include <asm/termbits.h>
+#undef termios
+
+namespace flashwriter::platform {
+
+namespace {
+
+// A driver rounds a rate to what its divisor can make and reports that; two percent is what the
+// kernel itself counts as the same rate, and what a UART tolerates.
+bool isRate(speed_t reported, speed_t wanted) {
+    const auto difference = std::llabs(static_cast<long long>(reported) - wanted);
+    return difference <= wanted / 50;
+}
+
+void setRate(termios2& attributes, speed_t rate) {
+    attributes.c_cflag &= ~static_cast<tcflag_t>(CBAUD | (CBAUD << IBSHIFT));
+    attributes.c_cflag |= BOTHER | (BOTHER << IBSHIFT);
+    attributes.c_ispeed = rate;
+    attributes.c_ospeed = rate;
+}
+
+} // namespace
+
+// A Linux port at the kernel's defaults is set up for a person at a terminal: it waits for whole
+// lines, echoes them back and turns carriage returns into line feeds. A port that somebody has
+// already taken out of that state is left as it is.
+void startingAttributes(::termios& attributes) {
+    if ((attributes.c_lflag & ICANON) != 0) {
+        ::cfmakeraw(&attributes);
+    }
+}
+
+int setLineSpeed(int descriptor, std::uint64_t bitsPerSecond) {
+    if (bitsPerSecond == 0 || bitsPerSecond > std::numeric_limits<speed_t>::max()) {
+        errno = EINVAL;
+        return -1;
+    }
+    const auto rate = static_cast<speed_t>(bitsPerSecond);
+    termios2 attributes{};
+    if (::ioctl(descriptor, TCGETS2, &attributes) == -1) {
+        return -1;
+    }
+    setRate(attributes, rate);
+    if (::ioctl(descriptor, TCSETS2, &attributes) == -1 ||
+        ::ioctl(descriptor, TCGETS2, &attributes) == -1) {
+        return -1;
+    }
+    if (!isRate(attributes.c_ispeed, rate) || !isRate(attributes.c_ospeed, rate)) {
+        errno = EINVAL;
+        return -1;
+    }
+    return 0;
+}
+
+void requestLowLatency(int descriptor) {
+    serial_struct settings{};
+    if (::ioctl(descriptor, TIOCGSERIAL, &settings) == -1) {
+        return;
+    }
+    settings.flags |= ASYNC_LOW_LATENCY;
+    ::ioctl(descriptor, TIOCSSERIAL, &settings);
+}
+
+} // namespace flashwriter::platform

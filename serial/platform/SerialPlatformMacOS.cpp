@@ -1,0 +1,25 @@
+// macOS: callout devices start without line discipline, and IOKit has a request of its own for any
+// speed.
+#include "serial/platform/SerialDevice.h"
+
+#include <sys/ioctl.h>
+
+#if __has_include(<IOKit/serial/ioss.h>)
+#include <IOKit/serial/ioss.h>
+#endif
+#ifndef IOSSIOSPEED
+#define IOSSIOSPEED _IOW('T', 2, speed_t)
+#endif
+
+namespace flashwriter::platform {
+
+void startingAttributes(termios&) {}
+
+int setLineSpeed(int descriptor, std::uint64_t bitsPerSecond) {
+    auto rate = static_cast<speed_t>(bitsPerSecond);
+    return ::ioctl(descriptor, IOSSIOSPEED, &rate);
+}
+
+void requestLowLatency(int) {}
+
+} // namespace flashwriter::platform
