@@ -1,0 +1,15 @@
+# This machine's CLI11 for a cross build: its directory alone, through a link, because the rest of
+# /usr/include describes this system and not the other.
+if(NOT EXISTS /usr/include/CLI/CLI.hpp)
+  set(CLI11_FOUND FALSE)
+  set(CLI11_NOT_FOUND_MESSAGE "there is no /usr/include/CLI/CLI.hpp; install libcli11-dev")
+  return()
+endif()
+set(_cli11_include "${CMAKE_BINARY_DIR}/cli11/include")
+file(MAKE_DIRECTORY "${_cli11_include}")
+file(CREATE_LINK /usr/include/CLI "${_cli11_include}/CLI" SYMBOLIC)
+if(NOT TARGET CLI11::CLI11)
+  add_library(CLI11::CLI11 INTERFACE IMPORTED)
+  set_target_properties(CLI11::CLI11 PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "${_cli11_include}")
+endif()
+unset(_cli11_include)
