@@ -6,7 +6,7 @@
 # each stage that cannot run, counts as one failed.
 set -euo pipefail
 cd "$(dirname "$0")"
-exec </dev/null
+exec </dev/null 3>&1
 
 passed=0
 failed=0
@@ -15,8 +15,10 @@ unexpected_skips=0
 finished=no
 begin=$SECONDS
 
+# Also when stopped amid a stage whose output goes elsewhere.
 summary() {
     local status=$?
+    exec >&3 2>&3
     if [[ $finished != yes ]]; then
         echo
         echo "STOPPED before the end (status $status): counted as one failed."
