@@ -117,22 +117,25 @@ std::uint8_t sumOf(const Bytes& frame) {
     return sum;
 }
 
-} // namespace
-
-Bytes commandFrame(const Bytes& commandAndParameters) {
-    Bytes frame{0x01, static_cast<std::uint8_t>(commandAndParameters.size())};
-    frame.insert(frame.end(), commandAndParameters.begin(), commandAndParameters.end());
+Bytes assemble(std::uint8_t start, const Bytes& contents, std::uint8_t end) {
+    Bytes frame;
+    frame.reserve(contents.size() + 4);
+    frame.push_back(start);
+    frame.push_back(static_cast<std::uint8_t>(contents.size() & 0xFFU));
+    frame.insert(frame.end(), contents.begin(), contents.end());
     frame.push_back(sumOf(frame));
-    frame.push_back(0x03);
+    frame.push_back(end);
     return frame;
 }
 
+} // namespace
+
+Bytes commandFrame(const Bytes& commandAndParameters) {
+    return assemble(0x01, commandAndParameters, 0x03);
+}
+
 Bytes dataFrame(const Bytes& data, bool last) {
-    Bytes frame{0x02, static_cast<std::uint8_t>(data.size() & 0xFFU)};
-    frame.insert(frame.end(), data.begin(), data.end());
-    frame.push_back(sumOf(frame));
-    frame.push_back(last ? 0x03 : 0x17);
-    return frame;
+    return assemble(0x02, data, last ? 0x03 : 0x17);
 }
 
 Bytes withAddress(Bytes bytes, std::uint32_t address) {
