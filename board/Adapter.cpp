@@ -126,6 +126,7 @@ bool Adapter::deliverOne(const InFlight& flying) {
 
 void Adapter::collectEvents() {
     const std::int64_t offset = realTimeOffset();
+    m_programmed = m_programmed || m_target.mode() == TargetMode::ready;
     for (TargetEvent& event : m_target.takeEvents()) {
         const bool hasBytes = event.kind != TargetEvent::Kind::mode;
         TranscriptRecord record{.kind = recordKind(event.kind),
@@ -148,6 +149,12 @@ void Adapter::collectEvents() {
             record.bytes = std::move(event.bytes);
             m_transcript.push_back(std::move(record));
         }
+    }
+}
+
+void Adapter::endSession() {
+    if (std::exchange(m_programmed, false)) {
+        ++m_sessions;
     }
 }
 

@@ -48,6 +48,7 @@ public:
     const Transcript& transcript() const { return m_transcript; }
     std::size_t violations() const { return m_violations; }
     std::uint32_t closings() const { return m_closings; }
+    std::uint32_t sessions() const { return m_sessions; }
     bool unplugged() const { return m_unplugged; }
 
 private:
@@ -68,6 +69,7 @@ private:
     void deliver(BoardTime now);
     bool deliverOne(const InFlight& byte);
     void collectEvents();
+    void endSession();
     void queueReply(const TargetEvent& event, TranscriptRecord record);
     void queueChatter(const TargetEvent& event, TranscriptRecord record);
     void sendDue(BoardTime now);
@@ -100,6 +102,8 @@ private:
     bool m_stuck = false;
     bool m_unplugged = false;
     std::uint32_t m_closings = 0;
+    bool m_programmed = false; // since the port was opened, the host got through mode entry
+    std::uint32_t m_sessions = 0;
     std::uint32_t m_gets = 0;
     std::uint32_t m_sets = 0;
     std::uint32_t m_breaks = 0;

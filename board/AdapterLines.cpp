@@ -29,6 +29,7 @@ void Adapter::portClosed(BoardTime now) {
     advance(now);
     m_open = false;
     ++m_closings;
+    endSession();
     note(TranscriptRecord::Kind::line, now, "port closed");
     setLines(false, false, false, now);
 }
@@ -125,6 +126,7 @@ void Adapter::unplug(BoardTime now, const std::string& why) {
     m_inFlight.clear();
     m_outgoing.clear();
     collectEvents();
+    endSession();
     note(TranscriptRecord::Kind::fault, now, "unplugged " + why);
     m_port.unplug();
 }

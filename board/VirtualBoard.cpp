@@ -81,6 +81,10 @@ std::uint32_t VirtualBoard::closings() const {
     return running().loop().look([](const Adapter& board) { return board.closings(); });
 }
 
+std::uint32_t VirtualBoard::sessions() const {
+    return running().loop().look([](const Adapter& board) { return board.sessions(); });
+}
+
 bool VirtualBoard::unplugged() const {
     return running().loop().look([](const Adapter& board) { return board.unplugged(); });
 }

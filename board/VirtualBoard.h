@@ -52,6 +52,9 @@ public:
     // How often the host has closed the port.
     std::uint32_t closings() const;
 
+    // How often the host has got through mode entry and then closed the port or lost it.
+    std::uint32_t sessions() const;
+
     // Whether a fault has unplugged it.
     bool unplugged() const;
 
