@@ -1,0 +1,57 @@
+#include "targetfile/FileFacts.h"
+
+#include "targetfile/FileReader.h"
+#include "targetfile/PathExtension.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+
+namespace flashwriter {
+
+namespace {
+
+ImageKind imageKind(const std::string& path) {
+    if (hasPathExtension(path, "bin")) {
+        return ImageKind::Bin;
+    }
+    return hasPathExtension(path, "mot") ? ImageKind::Mot : ImageKind::Other;
+}
+
+// The state that belongs to an errno value of looking at a path or of opening it.
+FileState stateOfError(int error) {
+    switch (error) {
+    case 0:
+        return FileState::Readable;
+    case ENOENT:
+    case ENOTDIR:
+        return FileState::Missing;
+    case EISDIR:
+        return FileState::Directory;
+    default:
+        return FileState::NotReadable;
+    }
+}
+
+} // namespace
+
+FileFacts fileFacts(const std::string& path) {
+    FileFacts facts;
+    facts.kind = imageKind(path);
+    struct stat status {};
+    if (path.find('\0') == std::string::npos && ::stat(path.c_str(), &status) == 0) {
+        facts.owner = status.st_uid;
+        facts.size = S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+    }
+    if (status.st_mode != 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
+        facts.state = FileState::NotRegular;
+        return facts;
+    }
+    const FileReader reader(path);
+    facts.state = stateOfError(reader.error());
+    if (facts.state == FileState::Missing || facts.state == FileState::NotReadable) {
+        facts.error = reader.error();
+    }
+    return facts;
+}
+
+} // namespace flashwriter
