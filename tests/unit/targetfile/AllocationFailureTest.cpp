@@ -1,0 +1,118 @@
+// What happens when memory runs out. A program of its own: it replaces the global allocation.
+#include "targetfile/NSTargetFile.h"
+#include "tests/unit/targetfile/MotFixture.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr std::size_t unlimited = SIZE_MAX;
+
+// Allocations that are larger than this are large: file buffers and images.
+constexpr std::size_t largestSmallAllocation = 1000;
+
+// How many more large allocations succeed.
+std::size_t largeAllocationsLeft = unlimited;
+
+void* allocate(std::size_t size) noexcept {
+    if (size > largestSmallAllocation && largeAllocationsLeft != unlimited) {
+        if (largeAllocationsLeft == 0) {
+            return nullptr;
+        }
+        --largeAllocationsLeft;
+    }
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void* allocateOrThrow(std::size_t size) {
+    void* const memory = allocate(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+
+namespace flashwriter {
+namespace {
+
+class AllocationFailure : public MotFixture {
+protected:
+    ~AllocationFailure() override { largeAllocationsLeft = unlimited; }
+
+    // Reads path when only so many large allocations succeed.
+    template <class File>
+    ResultCode readWith(std::size_t allocations, File& file, const std::string& path) {
+        largeAllocationsLeft = allocations;
+        const ResultCode result = file.ReadFile(path);
+        largeAllocationsLeft = unlimited;
+        return result;
+    }
+};
+
+TEST_F(AllocationFailure, LeavesTheRawFileEmpty) {
+    const std::string path = m_directory.write("image.bin", std::string(262144, 'x'));
+    NSTargetFile file;
+    for (const std::size_t allocations : {0U, 1U}) {
+        ASSERT_EQ(readWith(2, file, path), RESULT_OK);
+        EXPECT_EQ(readWith(allocations, file, path), RESULT_FILE_READ_FAILED) << allocations;
+        EXPECT_EQ(file.GetProgramMemory(), nullptr);
+        EXPECT_EQ(file.GetProgramMemorySize(), 0U);
+    }
+}
+
+// The first pass's buffer, the code image, the data image, the second pass's buffer.
+TEST_F(AllocationFailure, LeavesTheSRecordFileEmpty) {
+    const std::string path =
+        write(motLine(2, 0x1000, counting(4)) + "\n" + motLine(2, 0xF1000, counting(4)));
+    for (const std::size_t allocations : {0U, 1U, 2U, 3U}) {
+        ASSERT_EQ(readWith(4, m_file, path), RESULT_OK);
+        EXPECT_EQ(readWith(allocations, m_file, path), RESULT_FILE_READ_FAILED) << allocations;
+        expectEmpty();
+    }
+}
+
+TEST_F(AllocationFailure, LeavesTheExtentsWhenMeasuringLacksMemory) {
+    load();
+    const std::string path = write(motLine(1, 0x10, counting(4)));
+    largeAllocationsLeft = 0;
+    EXPECT_EQ(m_file.MotFileSize(path), RESULT_FILE_READ_FAILED);
+    largeAllocationsLeft = unlimited;
+    EXPECT_EQ(program(), counting(4));
+}
+
+} // namespace
+} // namespace flashwriter
