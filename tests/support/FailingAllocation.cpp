@@ -4,7 +4,16 @@
 
 namespace flashwriter::testing {
 
-std::size_t failingAllocationSize = 0;
+FailingAllocation failingAllocation;
+
+namespace {
+
+bool mustFail(std::size_t size) {
+    ++failingAllocation.asked;
+    return size != 0 && size == failingAllocation.size && --failingAllocation.spared < 0;
+}
+
+} // namespace
 
 } // namespace flashwriter::testing
 
@@ -13,7 +22,6 @@ extern "C" {
 void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
 
 void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
-    const bool fails = size != 0 && size == flashwriter::testing::failingAllocationSize;
-    return fails ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+    return flashwriter::testing::mustFail(size) ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 }

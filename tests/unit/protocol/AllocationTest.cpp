@@ -1,41 +1,20 @@
 // What Initialize does when memory runs short at its first or second buffer.
 #include "protocol/NSCommandProcessor.h"
+#include "tests/support/FailingAllocation.h"
 
 #include <gtest/gtest.h>
-
-#include <new>
-
-namespace {
-// Allocations of an array, of the kind that answers nullptr, until one fails; negative: none does.
-int allocationsLeft = -1;
-int allocationsAsked = 0;
-} // namespace
-
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    ++allocationsAsked;
-    if (allocationsLeft == 0) {
-        return nullptr;
-    }
-    if (allocationsLeft > 0) {
-        --allocationsLeft;
-    }
-    try {
-        return ::operator new[](size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
 
 namespace flashwriter {
 namespace {
 
-class Allocation : public testing::Test {
+using testing::failingAllocation;
+
+class Allocation : public ::testing::Test {
 protected:
     ResultCode initializeWith(int allocations) {
-        allocationsAsked = 0;
-        allocationsLeft = allocations;
+        failingAllocation = {260, allocations, 0};
         const ResultCode result = codec.Initialize();
-        allocationsLeft = -1;
+        failingAllocation.size = 0;
         return result;
     }
 
@@ -48,13 +27,13 @@ protected:
 };
 
 TEST_F(Allocation, HappensInInitializeOnly) {
-    allocationsAsked = 0;
+    failingAllocation = {};
     const NSCommandProcessor fresh;
-    EXPECT_EQ(allocationsAsked, 0);
+    EXPECT_EQ(failingAllocation.asked, 0);
     EXPECT_EQ(fresh.GetCommandFrames(), nullptr);
     EXPECT_EQ(fresh.GetDataFrames(), nullptr);
     EXPECT_EQ(initializeWith(2), RESULT_OK);
-    EXPECT_EQ(allocationsAsked, 2);
+    EXPECT_EQ(failingAllocation.asked, 2);
     EXPECT_NE(codec.GetCommandFrames(), nullptr);
     EXPECT_NE(codec.GetDataFrames(), nullptr);
 }

@@ -180,11 +180,11 @@ TEST(Open, WithoutMemoryClosesADescriptorStillRecorded) {
     const DescriptorZero zero;
     PseudoTerminal terminal;
     NSSerialPortProcessor port; // its descriptor starts at 0
-    testing::failingAllocationSize = 1024;
+    testing::failingAllocation.size = 1024;
     EXPECT_EQ(port.Open(terminal.portPath()), RESULT_INIT_FAILED);
     EXPECT_FALSE(DescriptorZero::isOpen());
     EXPECT_EQ(port.OpenForMonitor(terminal.portPath(), 9600), RESULT_INIT_FAILED);
-    testing::failingAllocationSize = 0;
+    testing::failingAllocation = {};
     EXPECT_EQ(port.Open(terminal.portPath()), RESULT_OK);
 }
 
