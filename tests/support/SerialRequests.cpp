@@ -50,6 +50,12 @@ void* nextDefinition(const char* name) {
     return ::dlsym(RTLD_NEXT, name);
 }
 
+// A terminal, but not the test's own end of a pseudo-terminal.
+bool isPort(int descriptor) {
+    int number = 0;
+    return ::isatty(descriptor) == 1 && syscall(SYS_ioctl, descriptor, TIOCGPTN, &number) == -1;
+}
+
 void overrideRate(const SerialRequests& requests, unsigned long request, void* argument) {
     if (request == TCSETS2 && requests.rateAfterChange != 0) {
         auto* const attributes = static_cast<termios2*>(argument);
@@ -122,4 +128,18 @@ extern "C" int tcflush(int descriptor, int queue) noexcept {
         ++current->discards;
     }
     return static_cast<int>(result);
+}
+
+extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t count) {
+    using namespace flashwriter::testing;
+    if (count > 0 && isPort(descriptor)) {
+        const std::lock_guard guard(mutex);
+        if (current != nullptr && current->fullWrites > 0) {
+            --current->fullWrites;
+        } else if (current != nullptr && current->shortWrites > 0) {
+            --current->shortWrites;
+            --count;
+        }
+    }
+    return syscall(SYS_write, descriptor, bytes, count);
 }

@@ -1,7 +1,7 @@
 // Stands in for the requests that a pseudo-terminal does not have or does not answer like a driver:
 // modem lines, BREAK, latency, a driver's own idea of speed and attributes, discarding. Linking
-// this file's target into a test program replaces ioctl, tcgetattr, tcsetattr and tcflush there;
-// all go to the kernel until the test plans an answer.
+// this file's target into a test program replaces ioctl, tcgetattr, tcsetattr, tcflush and write
+// there; all go to the kernel until the test plans an answer.
 #pragma once
 
 #include <termios.h>
@@ -35,6 +35,8 @@ public:
     std::optional<termios> attributesReported; // instead of the terminal's own
     std::optional<termios> attributesWritten;  // the last, when there are attributesReported
     std::atomic<int> discards{0};              // of both directions
+    std::atomic<int> shortWrites{0};           // so many writes to a terminal take a byte less,
+    std::atomic<int> fullWrites{0};            // behind so many that do not
 };
 
 } // namespace flashwriter::testing
