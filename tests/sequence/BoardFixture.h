@@ -1,0 +1,90 @@
+#pragma once
+
+#include "board/VirtualBoard.h"
+#include "sequence/context/DiagnosticLog.h"
+#include "tests/sequence/DriverRun.h"
+#include "tests/support/ImageFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace flashwriter {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// What a write says, in the words of the log view.
+inline const std::string MODE_LINE = "## Programming Mode\n";
+inline const std::string ERASE_LINE = "## Block Blank Check & Erace...";
+inline const std::string PROGRAM_LINE = "## Programming...";
+inline const std::string OK_TEXT = " OK\n";
+inline const std::string COMPLETE = "## Write Complete";
+inline const std::string FAILED = "## Write Failed";
+
+inline const std::vector<std::string> SUCCESS_LOG{MODE_LINE,    ERASE_LINE, OK_TEXT,
+                                                  PROGRAM_LINE, OK_TEXT,    COMPLETE};
+
+inline std::size_t entriesOf(const char* directory) {
+    const std::filesystem::directory_iterator entries(directory);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+// A driver against a virtual board that answers as fast as it can.
+class BoardFixture : public ::testing::Test {
+protected:
+    BoardFixture() {
+        m_options.pace = false;
+        m_options.target.flash.codeKib = 16;
+        setDiagnosticSink([](const char*) {});
+    }
+    ~BoardFixture() override { setDiagnosticSink(nullptr); }
+
+    // Powers the board up, writes the file, takes the board away.
+    RunRecord write(const std::string& file, std::uint8_t baudRate = 0) {
+        m_board.start(m_options);
+        m_before = m_board.codeFlash();
+        RunRecord record = runDriver(m_board.portPath(), baudRate, file);
+        m_board.stop();
+        checkAgreement(record);
+        return record;
+    }
+
+    // What every run owes, whatever its result.
+    static void checkAgreement(const RunRecord& record) {
+        EXPECT_EQ(record.outcome.Result, record.returned);
+        ASSERT_EQ(record.window->results.size(), 1U);
+        EXPECT_EQ(record.window->outcomeWhenSet.Result, record.returned);
+        EXPECT_EQ(record.window->closings, 1);
+        ASSERT_FALSE(record.log.empty());
+        EXPECT_EQ(record.log.back(), record.returned == RESULT_OK ? COMPLETE : FAILED);
+        ASSERT_FALSE(record.window->progress.empty());
+        EXPECT_EQ(record.window->progress.front(), std::make_pair(101, 0));
+    }
+
+    // The host's frames, in order.
+    std::vector<Bytes> hostFrames() const {
+        std::vector<Bytes> frames;
+        for (const board::TranscriptRecord& record : m_board.transcript()) {
+            if (record.kind == board::TranscriptRecord::Kind::hostFrame) {
+                frames.push_back(record.bytes);
+            }
+        }
+        return frames;
+    }
+    // Only their command codes; -1 for a data frame.
+    std::vector<int> commands() const {
+        std::vector<int> codes;
+        for (const Bytes& frame : hostFrames()) {
+            codes.push_back(frame[0] == 0x01 ? frame[2] : -1);
+        }
+        return codes;
+    }
+
+    board::BoardOptions m_options;
+    board::VirtualBoard m_board;
+    Bytes m_before;
+};
+
+} // namespace flashwriter
