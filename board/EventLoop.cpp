@@ -2,6 +2,7 @@
 
 #include "board/Priority.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <vector>
@@ -33,6 +34,12 @@ EventLoop::EventLoop(const BoardOptions& options)
       m_adapter(options, *this, clockNow()) {
     if (!m_wakeUp.valid()) {
         throw std::system_error(errno, std::generic_category(), "cannot make an event descriptor");
+    }
+    const auto& faults = options.faults;
+    if (std::any_of(faults.begin(), faults.end(),
+                    [](const Fault& fault) { return fault.kind == FaultKind::stuck; })) {
+        // Now, because the host is waiting when it is needed.
+        m_capacity = PseudoTerminal::measureCapacity();
     }
 }
 
@@ -140,7 +147,7 @@ void EventLoop::removePort() {
 }
 
 void EventLoop::jam(std::size_t room) {
-    m_terminal.jam(room);
+    m_terminal.jam(m_capacity, room);
 }
 
 } // namespace flashwriter::board

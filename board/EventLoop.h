@@ -66,6 +66,7 @@ private:
     PortWatch m_watch;
     std::optional<LineServer> m_lines; // gone with the port
     bool m_unplugged = false;          // the port is to go at the end of this step
+    std::size_t m_capacity = 0;        // of the pseudo-terminal, known only if a fault asks for it
     Adapter m_adapter;
 };
 

@@ -40,16 +40,18 @@ std::string portPathOf(int master) {
     return path;
 }
 
-// Writes single bytes until the buffers take no more or the limit is reached; gives their number.
-// Single, because a buffer's last byte is only filled by a write that fits.
+// Writes until the buffers take no more or the limit is reached; gives the number of bytes. The
+// pieces are so small that the system's buffers, of a multiple of their size, are filled evenly.
 std::size_t fill(int port, std::size_t limit) {
-    constexpr int kPatience = 5; // the system moves bytes between its buffers in the background
+    static constexpr char kPiece[16] = {};
+    constexpr int kPatience = 3; // the system moves bytes between its buffers in the background
     std::size_t count = 0;
     int refusals = 0;
     while (count < limit && refusals < kPatience) {
-        const char byte = 0;
-        if (write(port, &byte, 1) == 1) {
-            ++count;
+        const bool small = refusals > 0 || limit - count < sizeof kPiece;
+        const ssize_t sent = write(port, kPiece, small ? 1 : sizeof kPiece);
+        if (sent > 0) {
+            count += static_cast<std::size_t>(sent);
             refusals = 0;
         } else {
             ++refusals;
@@ -59,11 +61,11 @@ std::size_t fill(int port, std::size_t limit) {
     return count;
 }
 
-// How many bytes fit a pseudo-terminal that nobody reads.
-std::size_t measureCapacity() {
-    const Descriptor master = openMaster();
-    const Descriptor port = openPort(portPathOf(master.get()));
-    return fill(port.get(), SIZE_MAX);
+// Filled to the brim and emptied, the buffers of any two pseudo-terminals are alike, whatever went
+// through them before.
+void level(int master, int port) {
+    fill(port, SIZE_MAX);
+    tcflush(master, TCIFLUSH);
 }
 
 } // namespace
@@ -102,12 +104,16 @@ std::size_t PseudoTerminal::send(std::span<const std::uint8_t> bytes) {
     return sent > 0 ? static_cast<std::size_t>(sent) : 0;
 }
 
-void PseudoTerminal::jam(std::size_t room) {
-    const std::size_t capacity = measureCapacity();
+std::size_t PseudoTerminal::measureCapacity() {
+    const PseudoTerminal other;
+    const Descriptor port = openPort(other.path());
+    level(other.master(), port.get());
+    return fill(port.get(), SIZE_MAX);
+}
+
+void PseudoTerminal::jam(std::size_t capacity, std::size_t room) {
     const Descriptor port = openPort(m_path);
-    // Filled to the brim and emptied, this pseudo-terminal's buffers begin as those of a new one.
-    fill(port.get(), SIZE_MAX);
-    tcflush(m_master.get(), TCIFLUSH);
+    level(m_master.get(), port.get());
     fill(port.get(), capacity > room ? capacity - room : 0);
 }
 

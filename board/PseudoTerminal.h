@@ -32,9 +32,13 @@ public:
     // Hands bytes to the host; never waits, what does not fit is lost. Gives how many fitted.
     std::size_t send(std::span<const std::uint8_t> bytes);
 
-    // Fills the buffers on the way from the host, so that only `room` more bytes (less than 256)
-    // fit before its writes go short. The filling is what receive() would give next.
-    void jam(std::size_t room);
+    // How many bytes fit a pseudo-terminal that nobody reads: a matter of the system, the same for
+    // all of them, found out by filling one. Takes some milliseconds. Throws std::system_error.
+    static std::size_t measureCapacity();
+
+    // Fills the buffers on the way from the host up to that capacity, less so much room (below 256
+    // bytes): then the host's writes go short. The filling is what receive() would give next.
+    void jam(std::size_t capacity, std::size_t room);
 
     // The host finds its port gone.
     void unplug() { m_master.reset(); }
