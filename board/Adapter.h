@@ -67,7 +67,7 @@ private:
     };
 
     void deliver(BoardTime now);
-    bool deliverOne(const InFlight& byte);
+    bool deliverOne(const InFlight& flying);
     void collectEvents();
     void endSession();
     void queueReply(const TargetEvent& event, TranscriptRecord record);

@@ -11,12 +11,12 @@ namespace flashwriter::board {
 
 // How the target's flash is made and what it holds at first.
 struct FlashOptions {
-    std::uint32_t codeKib = 64;                // code flash from address 0, 16 to 256 KiB
-    std::uint32_t dataKib = 4;                 // data flash from 0xF1000, 0 (none) to 16 KiB
-    std::uint8_t fill = 0xFF;                  // what every cell holds at first; 0xFF is erased
-    std::optional<std::uint32_t> seed;         // instead of fill: bytes drawn from this seed
-    Bytes codeContents;                        // laid over the start of code flash
-    std::optional<std::uint32_t> stuckAddress; // a cell that erases but cannot be written
+    std::uint32_t codeKib = 64;                  // code flash from address 0, 16 to 256 KiB
+    std::uint32_t dataKib = 4;                   // data flash from 0xF1000, 0 (none) to 16 KiB
+    std::uint8_t fill = 0xFF;                    // what every cell holds at first; 0xFF is erased
+    std::optional<std::uint32_t> seed{};         // instead of fill: bytes drawn from this seed
+    Bytes codeContents{};                        // laid over the start of code flash
+    std::optional<std::uint32_t> stuckAddress{}; // a cell that erases but cannot be written
 };
 
 // Real flash: cells are erased to 0xFF by whole blocks, and a write can only clear bits.

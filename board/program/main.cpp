@@ -11,6 +11,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -21,7 +22,7 @@ using flashwriter::board::VirtualBoard;
 // A symbolic link for as long as this object lives.
 class PortLink {
 public:
-    PortLink(const std::string& link, const std::string& port) : m_link(link) {
+    PortLink(std::string link, const std::string& port) : m_link(std::move(link)) {
         if (m_link.empty()) {
             return;
         }
