@@ -10,6 +10,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 
 namespace flashwriter::board {
@@ -40,31 +41,51 @@ std::string portPathOf(int master) {
     return path;
 }
 
-// Writes until the buffers take no more or the limit is reached; gives the number of bytes. The
-// pieces are so small that the system's buffers, of a multiple of their size, are filled evenly.
-std::size_t fill(int port, std::size_t limit) {
-    static constexpr char kPiece[16] = {};
-    constexpr int kPatience = 3; // the system moves bytes between its buffers in the background
+// The system moves bytes between its buffers in the background. It has nothing more to move when
+// the last of them holds this much, which is all that fits it.
+bool settled(int master) {
+    constexpr int kLastBuffer = 4095;
+    int waiting = 0;
+    return ioctl(master, FIONREAD, &waiting) == 0 && waiting >= kLastBuffer;
+}
+
+// Writes pieces of this size until they are refused for good, or one more would pass the limit.
+// Gives the number of bytes.
+std::size_t fillWith(std::size_t piece, int master, int port, std::size_t limit) {
+    static constexpr char kZeros[16] = {};
+    constexpr int kPatience = 1000; // of a millisecond each, should the system do as it never did
     std::size_t count = 0;
     int refusals = 0;
-    while (count < limit && refusals < kPatience) {
-        const bool small = refusals > 0 || limit - count < sizeof kPiece;
-        const ssize_t sent = write(port, kPiece, small ? 1 : sizeof kPiece);
-        if (sent > 0) {
-            count += static_cast<std::size_t>(sent);
-            refusals = 0;
-        } else {
-            ++refusals;
+    bool wasSettled = false;
+    while (limit - count >= piece && refusals < kPatience) {
+        if (write(port, kZeros, piece) > 0) {
+            count += piece;
+            wasSettled = false;
+            continue;
+        }
+        if (wasSettled) {
+            break;
+        }
+        ++refusals;
+        wasSettled = settled(master);
+        if (!wasSettled) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
     return count;
 }
 
+// Larger pieces first for the sake of speed: the sizes of the system's buffers are multiples of 16,
+// so no such piece is ever taken in part.
+std::size_t fill(int master, int port, std::size_t limit) {
+    const std::size_t count = fillWith(16, master, port, limit);
+    return count + fillWith(1, master, port, limit - count);
+}
+
 // Filled to the brim and emptied, the buffers of any two pseudo-terminals are alike, whatever went
 // through them before.
 void level(int master, int port) {
-    fill(port, SIZE_MAX);
+    fill(master, port, SIZE_MAX);
     tcflush(master, TCIFLUSH);
 }
 
@@ -108,13 +129,13 @@ std::size_t PseudoTerminal::measureCapacity() {
     const PseudoTerminal other;
     const Descriptor port = openPort(other.path());
     level(other.master(), port.get());
-    return fill(port.get(), SIZE_MAX);
+    return fill(other.master(), port.get(), SIZE_MAX);
 }
 
 void PseudoTerminal::jam(std::size_t capacity, std::size_t room) {
     const Descriptor port = openPort(m_path);
     level(m_master.get(), port.get());
-    fill(port.get(), capacity > room ? capacity - room : 0);
+    fill(m_master.get(), port.get(), capacity > room ? capacity - room : 0);
 }
 
 } // namespace flashwriter::board

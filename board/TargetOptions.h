@@ -12,7 +12,7 @@ namespace flashwriter::board {
 
 // What the program in the flash does while it runs: it says a text again and again.
 struct MonitorOptions {
-    std::string text{};                           // empty: it says nothing
+    std::string text;                             // empty: it says nothing
     BoardTime interval = std::chrono::seconds(1); // from one beginning to the next; 0: only once
     std::uint32_t bitsPerSecond = 9600;
 };
@@ -26,7 +26,7 @@ struct SlowEntry {
 
 // Everything that can be chosen about the simulated target.
 struct TargetOptions {
-    FlashOptions flash{};
+    FlashOptions flash;
 
     std::array<std::uint8_t, 3> deviceCode{0x10, 0x00, 0x06};
     std::string deviceName = "BOARD-64K";         // cut or filled with blanks to 10 characters
@@ -46,8 +46,8 @@ struct TargetOptions {
     BoardTime checksumTime{};   // per block
     BoardTime frameGap{};       // between two frames that the target sends in a row
 
-    MonitorOptions monitor{};
-    std::vector<SlowEntry> slowEntries{};
+    MonitorOptions monitor;
+    std::vector<SlowEntry> slowEntries;
 };
 
 } // namespace flashwriter::board

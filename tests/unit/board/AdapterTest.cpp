@@ -91,7 +91,9 @@ TEST_F(AdapterTest, BytesTakeElevenBitTimesEachWay) {
 }
 
 TEST_F(AdapterTest, WithoutPaceNothingTakesTime) {
-    make({.pace = false});
+    BoardOptions options;
+    options.pace = false;
+    make(options);
     connect();
     EXPECT_EQ(m_now, BoardTime(0));
 }

@@ -11,6 +11,12 @@ using namespace std::chrono_literals;
 
 const Bytes kBaudRateSet{0x01, 0x03, 0x9A, 0x00, 0x21, 0x42, 0x03};
 
+TargetOptions inverted() {
+    TargetOptions options;
+    options.invertedDtr = true;
+    return options;
+}
+
 TEST(TargetEntry, RunsUntilDtrHoldsItInReset) {
     TargetDriver driver;
     EXPECT_EQ(driver.mode(), TargetMode::running);
@@ -21,7 +27,7 @@ TEST(TargetEntry, RunsUntilDtrHoldsItInReset) {
 }
 
 TEST(TargetEntry, InvertedSenseIsInResetWithDtrOff) {
-    TargetDriver driver({.invertedDtr = true});
+    TargetDriver driver(inverted());
     EXPECT_EQ(driver.mode(), TargetMode::inReset);
     driver.target().setLines(true, false, 1ms);
     EXPECT_EQ(driver.mode(), TargetMode::running);
@@ -39,7 +45,7 @@ TEST(TargetEntry, BreakAtTheReleaseOfResetEntersProgrammingMode) {
 }
 
 TEST(TargetEntry, WorksInvertedOnlyWithInvertedLines) {
-    TargetDriver driver({.invertedDtr = true});
+    TargetDriver driver(inverted());
     driver.enter(false);
     EXPECT_EQ(driver.send(kBaudRateSet), Replies{});
     driver.enter(true);
@@ -125,7 +131,9 @@ TEST(TargetEntry, SwitchesTheSpeedAfterItsAnswer) {
 }
 
 TEST(TargetEntry, CanAnswerWithTheDataOfTheCommand) {
-    TargetDriver driver({.baudRateReplyWithData = true});
+    TargetOptions options;
+    options.baudRateReplyWithData = true;
+    TargetDriver driver(options);
     driver.enter();
     EXPECT_EQ(driver.send(commandFrame({0x9A, 2, 0x21})),
               (Replies{{0x02, 0x03, 0x06, 0x02, 0x21, 0xD4, 0x03}}));

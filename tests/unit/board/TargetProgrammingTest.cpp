@@ -2,6 +2,8 @@
 
 #include "TargetDriver.h"
 
+#include <memory>
+
 #include <gtest/gtest.h>
 
 namespace flashwriter::board {
@@ -47,7 +49,9 @@ TEST_F(TargetProgramming, WritesAndVerifiesABlock) {
 }
 
 TEST_F(TargetProgramming, CanAnswerWithOneStatusByte) {
-    begin({.shortDataStatus = true});
+    TargetOptions options;
+    options.shortDataStatus = true;
+    begin(options);
     EXPECT_EQ(m_driver->send(dataFrame(Bytes(256, 1), false)), Replies{kAcknowledged});
 }
 
