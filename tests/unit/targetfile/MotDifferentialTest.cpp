@@ -59,7 +59,10 @@ protected:
 TEST_F(MotDifferential, ReadsRandomFilesAsTheReferenceDoes) {
     constexpr std::uint32_t files = 800;
     std::map<ResultCode, std::uint32_t> outcomes;
-    const std::uint32_t firstSeed = std::random_device()();
+    // To run the same files again: --gtest_random_seed with the seed that a failure names.
+    const int given = GTEST_FLAG_GET(random_seed);
+    const std::uint32_t firstSeed =
+        given != 0 ? static_cast<std::uint32_t>(given) : 1 + (std::random_device()() % 99000);
     for (std::uint32_t seed = firstSeed; seed != firstSeed + files; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         MotGenerator generator(seed);

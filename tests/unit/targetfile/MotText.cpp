@@ -30,8 +30,10 @@ std::string motLine(int type, std::uint32_t address, const Bytes& data, std::uin
     for (std::uint32_t rest = address; rest != 0; rest >>= 8U) {
         sum += rest & 0xFFU;
     }
-    std::string line = "S" + hexDigits(static_cast<std::uint32_t>(type), 1) +
-                       hexDigits(byteCount, 2) + hexDigits(address, (2 * type) + 2);
+    std::string line = "S";
+    line += hexDigits(static_cast<std::uint32_t>(type), 1);
+    line += hexDigits(byteCount, 2);
+    line += hexDigits(address, (2 * type) + 2);
     for (const std::uint8_t byte : data) {
         line += hexDigits(byte, 2);
         sum += byte;
