@@ -58,6 +58,11 @@ TEST_F(MotChangedFile, LeavesErasedWhatIsNoLongerThere) {
 TEST_F(MotChangedFile, FailsWhenTheTextCannotBeReadAgain) {
     EXPECT_EQ(readThen(m_code, m_code + "\n\xFF"), RESULT_FILE_READ_FAILED);
     expectEmpty();
+    // Far behind a record that is refused, so that the record comes to be looked at.
+    const std::string refused = motLine(1, 1, counting(4)).append(3000000, '\n');
+    EXPECT_EQ(readThen(m_code, refused), RESULT_DATA_FLASH_SIZE_ERROR);
+    EXPECT_EQ(readThen(m_code, std::string(refused).append("\xFF")), RESULT_FILE_READ_FAILED);
+    expectEmpty();
     m_betweenPasses = [this] { std::filesystem::remove(m_directory.path("image.mot")); };
     EXPECT_EQ(read(m_code), RESULT_FILE_READ_FAILED);
     expectEmpty();
@@ -68,6 +73,26 @@ MotRecord recordOf(const std::string& line) {
     const std::uint32_t size = lineOf(line).hex(2, 2) - lineOf(line).hex(1, 1) - 2;
     const std::uint32_t address = lineOf(line).hex(4, addressLength);
     return {address, size, address + size, 4 + addressLength, lineOf(line)};
+}
+
+// Whatever end a record claims, its bytes are held against the image.
+TEST(StoreMotRecord, WritesUpToTheImagesLastByte) {
+    Bytes program(16, 0xFF);
+    Bytes data(16, 0xFF);
+    const MotImages images{program.data(), program.size(), data.data(), data.size()};
+    const std::string digits(40, '1');
+    MotRecord record{12, 4, 16, 0, lineOf(digits)};
+    EXPECT_EQ(storeMotRecord(record, images), RESULT_OK);
+    EXPECT_EQ(program[11], 0xFF);
+    EXPECT_EQ(program[15], 0x11);
+    record.size = 5;
+    EXPECT_EQ(storeMotRecord(record, images), RESULT_UNSUPPORTED_FORMAT);
+    record = {0xF1000 + 12, 4, 0xF1000 + 15, 0, lineOf(digits)};
+    EXPECT_EQ(storeMotRecord(record, images), RESULT_OK);
+    EXPECT_EQ(data[11], 0xFF);
+    EXPECT_EQ(data[15], 0x11);
+    record.size = 5;
+    EXPECT_EQ(storeMotRecord(record, images), RESULT_UNSUPPORTED_FORMAT);
 }
 
 // What the class never offers, since it allocates both images or fails.

@@ -123,6 +123,8 @@ TEST(MotLineReader, FindsBadTextAnywhere) {
     expectFailure("12\n3\xC3\n4");
     expectFailure(std::string(10000, 'A') + "\xED\xA0\x80" + "\n12\n");
     expectFailure("\xEF\xBB");
+    // A character cut short in what is passed over, with nothing but ASCII behind it.
+    expectFailure(std::string(10000, 'A') + "\xC3" + std::string(200, 'A') + "\n12\n");
 }
 
 TEST(MotLineReader, JudgesTheTextBehindTheLastLineAskedFor) {
