@@ -85,8 +85,8 @@ GroupMembership membershipIn(gid_t id, const Group& group, const User& user) {
 }
 
 PortState stateOf(const std::string& path, mode_t mode) {
-    if (!S_ISCHR(mode)) {
-        return PortState::NotDevice;
+    if (!S_ISCHR(mode) || platform::isOtherDevice(path)) {
+        return PortState::NotPort;
     }
     const bool mayOpen = ::faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) == 0;
     return mayOpen ? PortState::Permitted : PortState::Refused;
@@ -110,7 +110,9 @@ PortFacts portFacts(const std::string& path) {
     facts.group = group.name;
     facts.groupMayUse = (status.st_mode & S_IRGRP) != 0 && (status.st_mode & S_IWGRP) != 0;
     facts.membership = membershipIn(status.st_gid, group, user);
-    facts.holders = platform::portHolders(path);
+    if (facts.state != PortState::NotPort) {
+        facts.holders = platform::portHolders(path);
+    }
     return facts;
 }
 

@@ -3,7 +3,7 @@
 // hangs on them.
 #pragma once
 
-#include "serial/platform/PortHolders.h"
+#include "serial/platform/PortInspection.h"
 
 #include <cstdint>
 #include <string>
@@ -12,11 +12,11 @@
 namespace flashwriter {
 
 enum class PortState : std::uint8_t {
-    Missing,   // nothing stands at the path
-    Hidden,    // the system refuses to look at it; PortFacts::error says why
-    NotDevice, // a file, a directory, a pipe: nothing that could be a serial port
-    Refused,   // a device that this user may not open for reading and writing
-    Permitted  // a device that this user may open, which may be a serial port
+    Missing,  // nothing stands at the path
+    Hidden,   // the system refuses to look at it; PortFacts::error says why
+    NotPort,  // a file, a directory, a pipe, another kind of device
+    Refused,  // a device that this user may not open for reading and writing
+    Permitted // a device that this user may open
 };
 
 enum class GroupMembership : std::uint8_t {

@@ -122,9 +122,11 @@ TEST(PortFacts, OfWhatIsNotThere) {
     EXPECT_EQ(portFacts(std::string("/dev/null\0x", 11)).state, PortState::Missing);
 }
 
-TEST(PortFacts, OfWhatIsNoDevice) {
-    EXPECT_EQ(portFacts("/etc/passwd").state, PortState::NotDevice);
-    EXPECT_EQ(portFacts("/tmp").state, PortState::NotDevice);
+TEST(PortFacts, OfWhatIsNoPort) {
+    EXPECT_EQ(portFacts("/etc/passwd").state, PortState::NotPort);
+    EXPECT_EQ(portFacts("/tmp").state, PortState::NotPort);
+    EXPECT_EQ(portFacts("/dev/null").state, PortState::NotPort);
+    EXPECT_TRUE(portFacts("/dev/null").holders.empty());
 }
 
 TEST(PortFacts, OfWhatMayNotEvenBeLookedAt) {

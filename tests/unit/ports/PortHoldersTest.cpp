@@ -1,4 +1,4 @@
-#include "serial/platform/PortHolders.h"
+#include "serial/platform/PortInspection.h"
 
 #include "tests/support/ChildProcess.h"
 

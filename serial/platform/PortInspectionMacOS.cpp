@@ -1,5 +1,6 @@
-// macOS: the system is asked for the processes that have a path open.
-#include "serial/platform/PortHolders.h"
+// macOS: the system is asked for the processes that have a path open. It says nothing about a
+// device that is not open.
+#include "serial/platform/PortInspection.h"
 
 #include <libproc.h>
 #include <sys/stat.h>
@@ -36,6 +37,10 @@ std::vector<PortHolder> portHolders(const std::string& path) {
     }
     std::ranges::sort(holders, {}, &PortHolder::pid);
     return holders;
+}
+
+bool isOtherDevice(const std::string& /*path*/) {
+    return false;
 }
 
 } // namespace flashwriter::platform

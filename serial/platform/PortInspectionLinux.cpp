@@ -1,7 +1,9 @@
-// Linux: every process shows what it has open as links in /proc.
-#include "serial/platform/PortHolders.h"
+// Linux: every process shows what it has open as links in /proc, and every device the class that it
+// belongs to in /sys.
+#include "serial/platform/PortInspection.h"
 
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -74,6 +76,19 @@ std::vector<PortHolder> portHolders(const std::string& path) {
     });
     std::ranges::sort(holders, {}, &PortHolder::pid);
     return holders;
+}
+
+// A device without a class, such as a pseudo-terminal's, is given the benefit of the doubt.
+bool isOtherDevice(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return false;
+    }
+    const std::string number = std::to_string(gnu_dev_major(status.st_rdev)) + ":" +
+                               std::to_string(gnu_dev_minor(status.st_rdev));
+    std::error_code error;
+    const fs::path deviceClass = fs::read_symlink("/sys/dev/char/" + number + "/subsystem", error);
+    return !error && deviceClass.filename() != "tty";
 }
 
 } // namespace flashwriter::platform

@@ -1,5 +1,5 @@
-// Who has a device open. Each system keeps that in a place of its own: one file for each defines
-// portHolders().
+// What a system knows about a device without opening it. Each keeps that in a place of its own: one
+// file for each defines these two. They never fail, and an answer is as old as the call.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +20,10 @@ namespace platform {
 // symbolic link stands for the device that it leads to. Best effort: an ordinary user is not shown
 // what other users' processes have open. Never fails, never opens the device.
 std::vector<PortHolder> portHolders(const std::string& path);
+
+// Whether the character device at path is known to be something else than a terminal, which every
+// serial port is: a disk's controller, the null device.
+bool isOtherDevice(const std::string& path);
 
 } // namespace platform
 
