@@ -40,8 +40,8 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
         ::ioctl(start.terminal, TIOCSCTTY, 0);
     }
     sigset_t none;
-    ::sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         std::signal(number, SIG_DFL);
     }
