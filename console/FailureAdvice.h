@@ -1,0 +1,15 @@
+#pragma once
+
+#include "console/FailureFacts.h"
+#include "sequence/context/ContextInfo.h"
+
+#include <string>
+
+namespace flashwriter {
+
+// Why a write failed and what to do about it, in one line without a line break. Says no more than
+// the result and the facts bear out. Names in it are made harmless to a terminal; the rest is
+// ASCII. Empty for RESULT_OK.
+std::string failureAdvice(const _RESULTINFO& result, const FailureFacts& facts);
+
+} // namespace flashwriter

@@ -1,0 +1,107 @@
+#include "console/AdviceParts.h"
+
+#include <cstring>
+
+namespace flashwriter {
+
+namespace {
+
+constexpr std::uint64_t LARGEST_RAW_IMAGE = 262144;
+
+// Why a file could not be read; empty when it can be, now.
+std::string unreadableAdvice(const FailureFacts& facts) {
+    switch (facts.file.state) {
+    case FileState::Missing:
+        return "No such file: " + facts.filePath + ". Check the path.";
+    case FileState::NotReadable:
+        return facts.filePath + " may not be read: " + std::strerror(facts.file.error) +
+               ". Check its permissions.";
+    case FileState::Directory:
+        return facts.filePath + " is a directory: name the image in it.";
+    case FileState::NotRegular:
+        return facts.filePath + " is not a regular file: images are read from those only.";
+    case FileState::Readable:
+        return "";
+    }
+    return "";
+}
+
+std::string changedAdvice(const FailureFacts& facts) {
+    return facts.filePath + " was not as it is now when it was to be read: write again.";
+}
+
+std::string formatAdvice(const FailureFacts& facts) {
+    switch (facts.file.kind) {
+    case ImageKind::Other:
+        return facts.filePath + " ends neither in .bin nor in .mot: name a raw image .bin, and an "
+                                "S-record file .mot.";
+    case ImageKind::Mot:
+        return facts.filePath + " is no S-record file that can be written: it has a line that does "
+                                "not begin with S, a record with an impossible address or length, "
+                                "or no records. Build it again.";
+    case ImageKind::Bin:
+        return changedAdvice(facts);
+    }
+    return "";
+}
+
+std::string sizeAdvice(const FailureFacts& facts) {
+    if (facts.file.size == 0) {
+        return facts.filePath + " is empty: build it again.";
+    }
+    if (facts.file.size > LARGEST_RAW_IMAGE) {
+        return facts.filePath + " has " + std::to_string(facts.file.size) +
+               " bytes, and a raw image has at most " + std::to_string(LARGEST_RAW_IMAGE) +
+               ": choose the image itself, or build it smaller.";
+    }
+    return changedAdvice(facts);
+}
+
+std::string readAdvice(const FailureFacts& facts) {
+    if (facts.file.kind == ImageKind::Mot) {
+        return facts.filePath + " could not be read as text: an S-record file is plain text, and "
+                                "its images must fit into memory. Build it again.";
+    }
+    return facts.filePath +
+           " could not be read to its end: copy it to another disk and write that.";
+}
+
+std::string tooLongAdvice(const FailureFacts& facts) {
+    const bool areKnown = facts.codeSize != 0 && facts.codeFlashSize != 0;
+    const std::string sizes = areKnown ? " needs " + std::to_string(facts.codeSize) +
+                                             " bytes of code flash, and this board has " +
+                                             std::to_string(facts.codeFlashSize)
+                                       : " does not fit into this board's code flash";
+    return facts.filePath + sizes + ": it is made for another board, or has to become smaller.";
+}
+
+} // namespace
+
+std::string fileAdvice(ResultCode result, const FailureFacts& facts) {
+    const std::string unreadable = unreadableAdvice(facts);
+    switch (result) {
+    case RESULT_FILE_NOT_FOUND:
+        return unreadable.empty() ? changedAdvice(facts) : unreadable;
+    case RESULT_UNSUPPORTED_FORMAT:
+        return formatAdvice(facts);
+    case RESULT_FILE_SIZE_ERROR:
+        return unreadable.empty() ? sizeAdvice(facts) : unreadable;
+    case RESULT_FILE_READ_FAILED:
+        return unreadable.empty() ? readAdvice(facts) : unreadable;
+    case RESULT_CODE_FLASH_SIZE_ERROR:
+        return tooLongAdvice(facts);
+    case RESULT_DATA_FLASH_SIZE_ERROR:
+        return facts.filePath + " has S-records that reach into data flash (0xF1000 and above), "
+                                "which is never written: leave them out when building it.";
+    case RESULT_CODE_FLASH_ADDRESS_ERROR:
+        return "The code in " + facts.filePath +
+               " begins where the board's code flash does not: link it for address 0.";
+    case RESULT_DATA_FLASH_ADDRESS_ERROR:
+        return "The data in " + facts.filePath +
+               " begins where the board's data flash does not: link it for address 0xF1000.";
+    default:
+        return "";
+    }
+}
+
+} // namespace flashwriter

@@ -1,0 +1,71 @@
+#include "console/Interrupt.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstring>
+
+namespace flashwriter {
+
+namespace {
+
+constexpr std::int32_t ERASING = 102;
+
+constexpr const char* UNTOUCHED = "Interrupted before anything was written: the board's contents "
+                                  "are as they were.\n";
+// An erase or a verification may be under way, or not have begun: this covers all of it.
+constexpr const char* INCOMPLETE = "Interrupted in the middle of the write: the board's contents "
+                                   "are incomplete or unverified. A new write mends it.\n";
+constexpr const char* COMPLETE = "Interrupted after the end of the write: the image is written and "
+                                 "verified.\n";
+
+// Signal handlers read these.
+std::atomic<const char*> message{UNTOUCHED};
+std::atomic<bool> beginsFreshLine{false};
+static_assert(std::atomic<const char*>::is_always_lock_free);
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+// Only what a signal handler may call.
+void endAtOnce(int number) {
+    const char* text = message;
+    if (beginsFreshLine) {
+        static_cast<void>(::write(STDERR_FILENO, "\n", 1) == 1);
+    }
+    static_cast<void>(::write(STDERR_FILENO, text, std::strlen(text)) >= 0);
+    ::_exit(128 + number);
+}
+
+} // namespace
+
+void installInterruptHandlers(bool isTerminal) {
+    beginsFreshLine = isTerminal;
+    constexpr std::array<int, 3> NUMBERS{SIGINT, SIGTERM, SIGHUP};
+    for (const int number : NUMBERS) {
+        struct sigaction before {};
+        struct sigaction action {};
+        action.sa_handler = endAtOnce;
+        sigemptyset(&action.sa_mask); // a macro on some systems
+        if (::sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+            ::sigaction(number, &action, nullptr);
+        }
+    }
+}
+
+// Blocks may be erased from the first report of that stage on.
+void noteStage(std::int32_t step) {
+    message = step >= ERASING ? INCOMPLETE : UNTOUCHED;
+}
+
+void noteOutcome(ResultCode result) {
+    if (result == RESULT_OK) {
+        message = COMPLETE;
+    }
+}
+
+const char* interruptMessage() {
+    return message;
+}
+
+} // namespace flashwriter

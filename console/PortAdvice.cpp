@@ -1,0 +1,96 @@
+#include "console/AdviceParts.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace flashwriter {
+
+namespace {
+
+std::string portsHere(const FailureFacts& facts) {
+    if (facts.ports.empty()) {
+        return "No USB-serial adapter is to be seen: plug it in.";
+    }
+    std::string text = "Ports here: ";
+    for (const std::string& port : facts.ports) {
+        text += (&port == &facts.ports.front() ? "" : ", ") + port;
+    }
+    return text + ".";
+}
+
+std::string refusedAdvice(const FailureFacts& facts) {
+    const PortFacts& port = facts.port;
+    const std::string ofGroup = facts.portPath + " belongs to group " + port.group;
+    if (port.groupMayUse && port.membership == GroupMembership::None) {
+        return ofGroup + " and " + port.user + " is not in it: run \"sudo usermod -aG " +
+               port.group + " " + port.user +
+               "\" and log in again, or install the udev rule that comes with the program.";
+    }
+    if (port.groupMayUse && port.membership == GroupMembership::NextLogin) {
+        return ofGroup + ", which " + port.user +
+               " has joined since this session began: log out and in again.";
+    }
+    return facts.portPath + " may not be opened by " + port.user +
+           ", and its group would not help: install the udev rule that comes with the program, or "
+           "have the permissions changed.";
+}
+
+std::string permittedAdvice(const FailureFacts& facts) {
+    if (!facts.port.holders.empty()) {
+        return facts.portPath + " is held by " + holderNames(facts) + ": close it first.";
+    }
+    return facts.portPath + " is there and may be opened, but the system refuses: another user's "
+                            "program may hold it, or the adapter is stuck. Close that program, or "
+                            "plug the adapter in again.";
+}
+
+std::string openAdvice(const FailureFacts& facts) {
+    switch (facts.port.state) {
+    case PortState::Missing:
+        return "No such port: " + facts.portPath + ". " + portsHere(facts);
+    case PortState::Hidden:
+        return facts.portPath + " cannot be looked at: " + std::strerror(facts.port.error) +
+               ". Check the path, and who may pass the directories in it.";
+    case PortState::NotPort:
+        return notPortAdvice(facts);
+    case PortState::Refused:
+        return refusedAdvice(facts);
+    case PortState::Permitted:
+        return permittedAdvice(facts);
+    }
+    return "";
+}
+
+} // namespace
+
+std::string notPortAdvice(const FailureFacts& facts) {
+    return facts.portPath + " is not a serial port. " + portsHere(facts);
+}
+
+std::string holderNames(const FailureFacts& facts) {
+    constexpr std::size_t MOST = 3;
+    const auto& holders = facts.port.holders;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(holders.size(), MOST); ++i) {
+        const std::string process = "process " + std::to_string(holders[i].pid);
+        text += i == 0 ? "" : ", ";
+        text += holders[i].name.empty() ? process : holders[i].name + " (" + process + ")";
+    }
+    return holders.size() > MOST ? text + " and " + std::to_string(holders.size() - MOST) + " more"
+                                 : text;
+}
+
+std::string portAdvice(ResultCode result, const FailureFacts& facts) {
+    switch (result) {
+    case RESULT_PORT_INFO_FAILED:
+        return "The system did not tell which serial ports it has. " + portsHere(facts);
+    case RESULT_PORT_NOT_SELECTED:
+        return "No port is chosen. " + portsHere(facts);
+    case RESULT_PORT_OPEN_ERROR:
+        return openAdvice(facts);
+    default:
+        return "";
+    }
+}
+
+} // namespace flashwriter
