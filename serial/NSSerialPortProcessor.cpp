@@ -205,6 +205,10 @@ void NSSerialPortProcessor::receiveData() {
         if (size > 0) {
             diagnosticLog("baffaring!");
             setReadData(chunk.data(), static_cast<std::uint64_t>(size)); // what overflows is lost
+        } else {
+            // Not a pause: the system's own thread that brings the bytes here may be waiting for
+            // this very processor.
+            std::this_thread::yield();
         }
     }
     diagnosticLog("ReceiveThread exit!");
