@@ -69,16 +69,31 @@ TEST_F(FlashwriteStreams, ANarrowTerminalIsNotWrapped) {
     EXPECT_TRUE(program.terminal().starts_with("0 %\r")) << program.terminal();
 }
 
-TEST_F(FlashwriteStreams, ClosedOnesAreNotTakenForThePort) {
-    options.closedInput = true;
-    options.output = ChildStream::Closed;
-    options.error = ChildStream::Closed;
+// The port would get the lowest number that is free, and with it what was meant for that stream.
+void expectOnlyFramesOnThePort(const ChildOptions& options, const SilentPort& port) {
     ChildProcess program(options);
     EXPECT_EQ(program.wait(), 1);
     const std::string sent = port.received();
-    EXPECT_THAT(sent, Not(HasSubstr("##")));
+    EXPECT_THAT(sent, Not(HasSubstr("#")));
     EXPECT_THAT(sent, Not(HasSubstr("SendDataSize")));
     EXPECT_THAT(sent, HasSubstr("\x9A")); // the board is still asked to agree on the speed
+}
+
+TEST_F(FlashwriteStreams, AClosedStandardOutputIsNotTakenForThePort) {
+    options.output = ChildStream::Closed;
+    expectOnlyFramesOnThePort(options, port);
+}
+
+TEST_F(FlashwriteStreams, AClosedStandardErrorIsNotTakenForThePort) {
+    options.error = ChildStream::Closed;
+    expectOnlyFramesOnThePort(options, port);
+}
+
+TEST_F(FlashwriteStreams, NeitherIsAnyWhenAllAreClosed) {
+    options.closedInput = true;
+    options.output = ChildStream::Closed;
+    options.error = ChildStream::Closed;
+    expectOnlyFramesOnThePort(options, port);
 }
 
 TEST_F(FlashwriteStreams, ReadersThatHaveGoneStopNothing) {
