@@ -49,7 +49,7 @@ std::size_t ConsoleOutput::columns() const {
 }
 
 void ConsoleOutput::write(std::string_view text) {
-    erase();
+    writeAll(m_error, erasing());
     writeAll(m_output, text);
     const std::size_t lineBreak = text.rfind('\n');
     if (lineBreak != std::string_view::npos) {
@@ -57,7 +57,7 @@ void ConsoleOutput::write(std::string_view text) {
         text.remove_prefix(lineBreak + 1);
     }
     m_openLine += text;
-    redraw();
+    writeAll(m_error, drawing());
 }
 
 void ConsoleOutput::writeLines(std::string_view text) {
@@ -77,37 +77,40 @@ void ConsoleOutput::showProgress(std::int32_t step, std::int32_t percentage) {
     m_step = step;
     m_percentage = percentage;
     m_isVisible = true;
-    erase();
-    redraw();
+    std::string change = erasing();
+    change += drawing();
+    writeAll(m_error, change); // at once, or it would flicker
 }
 
 void ConsoleOutput::hideProgress() {
     m_isVisible = false;
-    erase();
+    writeAll(m_error, erasing());
 }
 
-void ConsoleOutput::redraw() {
+std::string ConsoleOutput::drawing() {
     if (!m_isVisible) {
-        return;
+        return "";
     }
     const std::string gap = m_isShared && !m_openLine.empty() ? " " : "";
     const std::size_t taken = m_isShared ? m_openLine.size() + gap.size() : 0;
     const std::size_t room = columns();
     const std::string shown = taken < room ? progressBar(m_step, m_percentage, room - taken) : "";
-    if (!shown.empty()) {
-        writeAll(m_error, gap + shown);
-        m_drawn = gap.size() + shown.size();
+    if (shown.empty()) {
+        return "";
     }
+    m_drawn = gap.size() + shown.size();
+    return gap + shown;
 }
 
-// Blanks over the progress, and leaves the cursor where the log goes on.
-void ConsoleOutput::erase() {
+// Blanks over the progress, and the cursor back to where the log goes on.
+std::string ConsoleOutput::erasing() {
     if (m_drawn == 0) {
-        return;
+        return "";
     }
     const std::string before = m_isShared ? m_openLine : "";
-    writeAll(m_error, "\r" + before + std::string(m_drawn, ' ') + "\r" + before);
+    const std::string blanks(m_drawn, ' ');
     m_drawn = 0;
+    return "\r" + before + blanks + "\r" + before;
 }
 
 } // namespace flashwriter

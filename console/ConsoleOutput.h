@@ -39,8 +39,9 @@ public:
 
 private:
     std::size_t columns() const;
-    void redraw();
-    void erase();
+    // What to send to the terminal so that the progress appears, or disappears.
+    std::string drawing();
+    std::string erasing();
 
     int m_output;
     int m_error;
