@@ -24,12 +24,14 @@ constexpr const char* COMPLETE = "Interrupted after the end of the write: the im
 // Signal handlers read these.
 std::atomic<const char*> message{UNTOUCHED};
 std::atomic<bool> beginsFreshLine{false};
+std::atomic<bool> isEnding{false};
 static_assert(std::atomic<const char*>::is_always_lock_free);
 static_assert(std::atomic<bool>::is_always_lock_free);
 
 // Only what a signal handler may call.
 void endAtOnce(int number) {
-    const char* text = message;
+    isEnding = true;
+    const char* text = message; // no erase begins any more if it says that none has
     if (beginsFreshLine) {
         static_cast<void>(::write(STDERR_FILENO, "\n", 1) == 1);
     }
@@ -53,9 +55,13 @@ void installInterruptHandlers(bool isTerminal) {
     }
 }
 
-// Blocks may be erased from the first report of that stage on.
+// Blocks may be erased from the first report of that stage on. Either a handler that ends the
+// program reads the new message, or this thread sees it ending and goes no further.
 void noteStage(std::int32_t step) {
     message = step >= ERASING ? INCOMPLETE : UNTOUCHED;
+    while (isEnding) {
+        ::pause();
+    }
 }
 
 void noteOutcome(ResultCode result) {

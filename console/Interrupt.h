@@ -13,7 +13,8 @@ namespace flashwriter {
 // of a terminal.
 void installInterruptHandlers(bool isTerminal);
 
-// Keep up with what is true of the board. Any thread.
+// Keep up with what is true of the board. The thread that writes calls them before it goes on; it
+// does not come back from noteStage() while the program ends.
 void noteStage(std::int32_t step); // see _PROGRESSINIFO
 void noteOutcome(ResultCode result);
 
