@@ -97,13 +97,15 @@ public:
         return checkDataFrame(ST1, pbSt2);
     }
 
-    // The seven-byte Baud Rate Set status: SUM before format, alone among the checks.
+    // The seven-byte Baud Rate Set status, its status byte and its two data bytes: SUM before
+    // format, alone among the checks.
     ResultCode CheckBaudRateStatus(std::uint8_t& ST1, std::uint8_t& pdD01,
                                    std::uint8_t& pdD02) const;
 
     // The result frames below are judged in this order: start byte, end byte where LEN puts it,
     // SUM where LEN puts it, and last whether LEN is the one expected.
 
+    // The first six of the eight data bytes, in frame order; the last two are not handed out.
     ResultCode CheckSecurityGetDataFrame(std::uint8_t& bFlg, std::uint8_t& pbBot,
                                          std::uint8_t& pbSsl, std::uint8_t& pbSsh,
                                          std::uint8_t& pbSel, std::uint8_t& pbSeh) const;
@@ -116,6 +118,7 @@ public:
                                                std::uint8_t* pbCen, std::uint8_t* pbDen,
                                                std::uint8_t* pbVer) const;
 
+    // The low and the high byte of the target's checksum.
     ResultCode CheckChecksumDataFrams(std::uint8_t& bCk1, std::uint8_t& pbCk2) const;
 
     // The two's complement of the sum of count bytes from startIndex on; 0 when count is 0 or less.

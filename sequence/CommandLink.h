@@ -45,12 +45,13 @@ public:
     template <class Build>
     ResultCode sendCommand(const Build& build, std::uint64_t timeout, std::uint64_t& frameLength);
 
-    // The whole pattern for a command that is answered with a status frame, up to its status byte.
+    // The whole pattern for a command that is answered with a status frame, up to its status byte:
+    // the codes of sendCommand(), receiveStatus() and commandVerdict().
     using StatusCheck = ResultCode (NSCommandProcessor::*)(std::uint8_t&) const;
     template <class Build>
     ResultCode exchange(const Build& build, std::uint64_t timeout, StatusCheck check);
 
-    // Sends the frame in the codec's transmit buffer.
+    // Sends the first frameLength bytes of the codec's transmit buffer. RESULT_SEND_FAILED.
     ResultCode send(std::uint64_t frameLength);
 
     // Takes a frame of frameLength bytes into the codec's receive buffer; the number of bytes
@@ -61,10 +62,11 @@ public:
     // another size.
     ResultCode awaitFrame(std::uint64_t size, std::uint64_t timeout);
 
-    // Takes the status frame of a command and checks it into ST1.
+    // Takes the status frame of a command and checks it into ST1. RESULT_RECEIVE_TIMEOUT when it is
+    // not there or of another size, else the code of the check.
     ResultCode receiveStatus(std::uint64_t frameLength, StatusCheck check);
 
-    // The verdict of a status byte: RESULT_OK for ACK.
+    // The verdict of ST1: RESULT_OK for ACK, else RESULT_COMMAND_FRAME_ABORT.
     ResultCode commandVerdict() const;
 
     NSCommandProcessor& cmd() { return m_cmd; }

@@ -30,7 +30,9 @@ public:
 
     // Sends a frame, ComRetryMax times at the most, until the target has taken it. What the target
     // refuses (RESULT_DATA_FRAME_ABORT), answers in another size (RESULT_RECEIVE_TIMEOUT) or in a
-    // damaged frame is not sent again. RESULT_OK without sending when ComRetryMax is 0.
+    // damaged frame (RESULT_FRAME_FORMAT_ERROR, RESULT_SUM_ERROR) is not sent again; a silence
+    // (RESULT_RECEIVE_TIMEOUT) and RESULT_SEND_FAILED are results only of the last attempt.
+    // RESULT_OK without sending when ComRetryMax is 0.
     ResultCode send(const Frame& frame);
 
 private:

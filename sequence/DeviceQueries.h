@@ -14,8 +14,8 @@ public:
 
     // Each asks the target and stores the answer in the context, whole or not at all.
     // RESULT_RECEIVE_TIMEOUT: no answer, or one of another size; RESULT_COMMAND_FRAME_ABORT: the
-    // target refused; RESULT_FRAME_FORMAT_ERROR, RESULT_SUM_ERROR: a damaged answer. Of the two
-    // replies to a query only the first is waited for again.
+    // target refused; RESULT_FRAME_FORMAT_ERROR, RESULT_SUM_ERROR: a damaged answer;
+    // RESULT_SEND_FAILED. Of the two replies to a query only the first is waited for again.
     ResultCode comSiliconSignatureProc(); // into SiliconSignature
     ResultCode comSecrityGetProc();       // into SecurityGetInfo; no write asks for it
 

@@ -18,18 +18,18 @@ constexpr std::uint64_t STATUS_WITH_DATA_SIZE = 7;
 
 } // namespace
 
-ResultCode ModeEntry::programingMode(std::uint8_t index, std::uint8_t voltage, bool InvertDTR) {
-    if (index > MAX_SPEED_INDEX) {
+ResultCode ModeEntry::programingMode(std::uint8_t baudRate, std::uint8_t voltage, bool InvertDTR) {
+    if (baudRate > MAX_SPEED_INDEX) {
         return RESULT_PARAMETER_ERROR;
     }
     releaseReset(InvertDTR);
     constexpr std::uint8_t ZERO = 0x00;
     ResultCode result = m_link.comPort().SendData(&ZERO, 1);
     if (result == RESULT_OK) {
-        result = comBaudRateSetProc(index, voltage);
+        result = comBaudRateSetProc(baudRate, voltage);
     }
-    if (result == RESULT_OK && index != 0) {
-        result = m_link.comPort().ChangeBaudRate(SPEEDS.at(index));
+    if (result == RESULT_OK && baudRate != 0) {
+        result = m_link.comPort().ChangeBaudRate(SPEEDS.at(baudRate));
     }
     if (result == RESULT_OK) {
         result = comResetProc();
@@ -61,13 +61,13 @@ void ModeEntry::driveDtr(bool on) {
     }
 }
 
-ResultCode ModeEntry::comBaudRateSetProc(std::uint8_t index, std::uint8_t voltage) {
+ResultCode ModeEntry::comBaudRateSetProc(std::uint8_t baudRate, std::uint8_t voltage) {
     _CONTEXTINFO& context = m_link.contextInfo();
     m_link.initCommandInfo(COM_BAUD_RATE_SET);
     std::uint64_t frameLength = 0;
     const ResultCode result = m_link.sendCommand(
         [&](std::uint64_t& length) {
-            return m_link.cmd().MakeBaudRateCommand(index, voltage, length);
+            return m_link.cmd().MakeBaudRateCommand(baudRate, voltage, length);
         },
         context.ReceiveTimeout, frameLength,
         [&] { context.TransitionEndTime = NSGetTime::getTimeOfDay_msec(); });

@@ -24,8 +24,9 @@ public:
     // CurrentProgress with each block. codeFlash selects the time-outs.
     // RESULT_COMMAND_FRAME_ABORT: the target refuses the range; RESULT_DATA_FRAME_ABORT: it
     // refuses a frame, or its verify failed; RESULT_RECEIVE_TIMEOUT: no reply, or one of another
-    // size; RESULT_INIT_FAILED: no memory for the last block. A frame is sent again when it could
-    // not be sent or was not answered, never when the target refused it.
+    // size; RESULT_FRAME_FORMAT_ERROR, RESULT_SUM_ERROR: a damaged one; RESULT_SEND_FAILED;
+    // RESULT_INIT_FAILED: no memory for the last block. A frame is sent again when it could not be
+    // sent or was not answered, never when the target refused it.
     ResultCode comProgrammingProc(std::uint64_t startAddress, std::uint64_t endAddress,
                                   const std::uint8_t* data, std::uint64_t dataLength,
                                   bool codeFlash);

@@ -27,6 +27,16 @@ constexpr std::uint8_t ERASED = 0xFF;
 constexpr std::uint8_t VOLTAGE = 0x21;
 constexpr bool CODE_FLASH = true;
 
+// Nothing that the standard library or a window throws may keep a write from its end.
+template <class Action>
+void sheltered(const char* what, const Action& action) {
+    try {
+        action();
+    } catch (const std::exception& error) {
+        diagnosticLog("%s: %s", what, error.what());
+    }
+}
+
 std::uint64_t addressOf(const std::uint8_t (&bytes)[3]) {
     return DeviceQueries::makeAddress(bytes[0], bytes[1], bytes[2]);
 }
@@ -68,24 +78,33 @@ ResultCode SequenceDriver<TargetFile, Delegate>::programming() {
     m_ContextInfo.RetryWaitTime = 100;
     m_ContextInfo.SendWait = 1;
 
-    ResultCode result = RESULT_OK;
+    ResultCode result = RESULT_INIT_FAILED;
+    sheltered("stage", [&] { result = runStages(); });
+    finish(result);
+    return result;
+}
+
+template <class TargetFile, class Delegate>
+ResultCode SequenceDriver<TargetFile, Delegate>::runStages() {
     for (const auto stage :
          {&SequenceDriver::openPort, &SequenceDriver::enterProgrammingMode,
           &SequenceDriver::readImage, &SequenceDriver::checkImage, &SequenceDriver::eraseBlocks,
           &SequenceDriver::programImage, &SequenceDriver::compareChecksums}) {
-        result = (this->*stage)();
+        const ResultCode result = (this->*stage)();
         if (result != RESULT_OK) {
-            break;
+            return result;
         }
     }
-    finish(result);
-    return result;
+    return RESULT_OK;
 }
 
 template <class TargetFile, class Delegate>
 ResultCode SequenceDriver<TargetFile, Delegate>::openPort() {
     beginStage(ENTERING_MODE, 0.0);
     report();
+    if (std::memchr(m_ContextInfo.PortName, '\0', sizeof m_ContextInfo.PortName) == nullptr) {
+        return RESULT_PORT_OPEN_ERROR;
+    }
     const ResultCode result = m_ComPort.Open(m_ContextInfo.PortName);
     while (result == RESULT_OK && !m_ComPort.IsReading()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -112,12 +131,10 @@ ResultCode SequenceDriver<TargetFile, Delegate>::readImage() {
     beginStage(READING_FILE, 5.0);
     report();
     ResultCode result = RESULT_FILE_READ_FAILED;
-    try {
+    sheltered("ReadFile", [&] {
         const auto& path = m_ContextInfo.TargetFileInfo.FilePath;
         result = m_TargetFile.ReadFile(std::string(path, strnlen(path, sizeof path)));
-    } catch (const std::exception& error) {
-        diagnosticLog("ReadFile: %s", error.what());
-    }
+    });
     advance(5);
     return result;
 }
@@ -212,7 +229,7 @@ void SequenceDriver<TargetFile, Delegate>::finish(ResultCode result) {
     m_ComPort.Close();
     m_ContextInfo.pResultInfo->Result = result;
     m_ContextInfo.pResultInfo->ComInfo = m_ContextInfo.ComInfo;
-    m_NotifyProgress->setResult(m_ContextInfo);
+    sheltered("setResult", [this] { m_NotifyProgress->setResult(m_ContextInfo); });
     diagnosticLog("## Send close message");
     queueClosing();
     addLog(result == RESULT_OK ? "## Write Complete" : "## Write Failed");
@@ -221,35 +238,33 @@ void SequenceDriver<TargetFile, Delegate>::finish(ResultCode result) {
 
 template <class TargetFile, class Delegate>
 void SequenceDriver<TargetFile, Delegate>::queueClosing() {
-    try {
+    sheltered("close", [this] {
         m_mainQueue(
             [self = this->shared_from_this(), window = m_NotifyProgress] { window->close(); });
-    } catch (const std::exception& error) {
-        diagnosticLog("progress window left open: %s", error.what());
-    }
+    });
 }
 
 template <class TargetFile, class Delegate>
 void SequenceDriver<TargetFile, Delegate>::UpdateProgress(std::uint64_t step,
                                                           std::uint64_t percentage) {
-    m_NotifyProgress->UpdateProgress(static_cast<std::int32_t>(step),
-                                     static_cast<std::int32_t>(percentage));
+    sheltered("UpdateProgress", [&] {
+        m_NotifyProgress->UpdateProgress(static_cast<std::int32_t>(step),
+                                         static_cast<std::int32_t>(percentage));
+    });
 }
 
 template <class TargetFile, class Delegate>
-void SequenceDriver<TargetFile, Delegate>::addLog(const std::string& text) {
+void SequenceDriver<TargetFile, Delegate>::addLog(std::string_view text) {
     if (_delegate == nullptr) {
         return;
     }
-    try {
-        m_mainQueue([self = this->shared_from_this(), text] {
+    sheltered("addLog", [&] {
+        m_mainQueue([self = this->shared_from_this(), line = std::string(text)] {
             if (Delegate* const delegate = self->_delegate) {
-                delegate->delegateAddLog(text);
+                delegate->delegateAddLog(line);
             }
         });
-    } catch (const std::exception& error) {
-        diagnosticLog("log line lost: %s", error.what());
-    }
+    });
 }
 
 template <class TargetFile, class Delegate>

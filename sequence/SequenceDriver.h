@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace flashwriter {
 
@@ -38,33 +39,36 @@ public:
     explicit SequenceDriver(MainQueue mainQueue);
 
     // Runs a write on the calling thread and blocks it for the whole length. The context brings
-    // speed, port, file and where the outcome goes; its four timing fields are overwritten. The
-    // progress window is told every stage, then the outcome, then (on the main thread) to close,
-    // whatever happens. Returns the result code that is also in the context's pResultInfo.
+    // speed, port, file and where the outcome goes (pResultInfo, not null); its four timing fields
+    // are overwritten. The progress window (not null) is told every stage, then the outcome, then,
+    // on the main thread, to close, whatever happens. Returns the result code that is also in
+    // pResultInfo: the first that any stage returned, each as it is.
     ResultCode start(_CONTEXTINFO context, std::shared_ptr<ProgressWindow> porgressWindw);
 
-    // The write that start() prepared.
+    // The write that start() prepared, and its result; only start() calls it.
     ResultCode programming();
 
     // Hands both values on to the progress window, on the calling thread.
     void UpdateProgress(std::uint64_t step, std::uint64_t percentage) override;
 
     // Hands a text for the log view to the delegate, on the main thread; dropped when there is
-    // none. Texts carry their own line breaks.
-    void addLog(const std::string& text);
+    // none, or no memory for it. Texts carry their own line breaks.
+    void addLog(std::string_view text);
 
-    // Whether code and data of these sizes fit the signature's flash. Sizes come first: too much
-    // code, a code start that is a multiple of 1024 but not 0, too much data, a data start above
-    // 0xF1000 that is a multiple of 1024, in this order.
+    // Whether code and data of these sizes in bytes fit the flash of the signature. Tested in this
+    // order: too much code (RESULT_CODE_FLASH_SIZE_ERROR), a code start that is a multiple of 1024
+    // but not 0 (RESULT_CODE_FLASH_ADDRESS_ERROR), too much data (RESULT_DATA_FLASH_SIZE_ERROR), a
+    // data start above 0xF1000 that is a multiple of 1024 (RESULT_DATA_FLASH_ADDRESS_ERROR).
     ResultCode checkSizeAndAddressRange(std::uint64_t programStartAddress,
                                         std::uint64_t programSize, std::uint64_t dataStartAddress,
                                         std::uint64_t dataSize) const;
 
-    // The two's complement of the sum of all bytes, filled up with 0xFF to whole blocks of 1024.
+    // The two's complement of the sum of size bytes, filled up with 0xFF to whole blocks of 1024.
     // Always RESULT_OK.
     static ResultCode getChecksum(const std::uint8_t* bytes, std::uint64_t size,
                                   std::uint32_t& checksum);
 
+    // See ResultText.h.
     static std::string getResultText(std::int64_t code);
 
     // Borrowed; may be set at any time, and must outlive the texts that are still on their way.
@@ -73,6 +77,7 @@ public:
 
 private:
     ResultCode initialize();
+    ResultCode runStages();
 
     // The stages of a write in their order; the first that fails ends it.
     ResultCode openPort();

@@ -83,6 +83,8 @@ ResultCode NSSerialPortProcessor::startReceiveThread() {
         return RESULT_OK;
     } catch (const std::exception&) {
         m_ticket.reset();
+        platform::closeDevice(m_iComPort);
+        m_iComPort = -1;
         return RESULT_INIT_FAILED;
     }
 }

@@ -28,7 +28,8 @@ public:
     NSSerialPortProcessor(const NSSerialPortProcessor&) = delete;
     NSSerialPortProcessor& operator=(const NSSerialPortProcessor&) = delete;
 
-    // Opens for programming: 115200 bps, 8 data bits, no parity, two stop bits. Returns as soon as
+    // Opens the device at path (NUL-terminated UTF-8) for programming: 115200 bps, 8 data bits, no
+    // parity, two stop bits. Returns as soon as
     // the receive thread is on its way; IsReading() tells when it runs. Bytes left in the buffer
     // from an earlier use still count: call ClearReceiveBuffer() first when that matters.
     // RESULT_INIT_FAILED: no memory, or no thread. RESULT_PORT_OPEN_ERROR: the device cannot be
@@ -41,7 +42,7 @@ public:
     ResultCode OpenForMonitor(const char* path, std::uint64_t SetBaudRate);
 
     // Ends the receive thread, closes the device and frees the buffer. Spins until the thread is
-    // gone. Closing a transport that has never been opened closes descriptor 0.
+    // gone. Closing or destroying a transport that has never been opened closes descriptor 0.
     void Close();
 
     // One write of all bytes, never repeated: RESULT_SEND_FAILED when the device took fewer. A
@@ -80,7 +81,9 @@ public:
     // Appends to the buffer. RESULT_BUFFER_OVERFLOW, and nothing stored, when the buffer would
     // come to hold more than 1023 bytes.
     ResultCode setReadData(const std::uint8_t* bytes, std::uint64_t readSize);
+    // Empties the buffer; the caller's thread.
     void clearReadData();
+    // Notes whether the receive thread runs; tells it to go on or to end. Any thread.
     void updateReadingStatus(bool reading);
     void setRecvLoopFlag(bool loop);
 

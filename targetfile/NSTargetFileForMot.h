@@ -58,7 +58,8 @@ public:
     // Always 0: S-record files have no type of their own.
     std::uint32_t GetFileType() const { return m_EInputFile; }
 
-    // The code-flash image, borrowed, and its extent in bytes.
+    // The code-flash image, borrowed, and its extent in bytes. After a ReadFile that failed on the
+    // format there may be an extent without an image (nullptr); ask only after a success.
     const std::uint8_t* GetProgramMemory() const { return m_pbProgram.get(); }
     std::uint64_t GetProgramMemorySize() const { return m_dwProgramSize; }
 

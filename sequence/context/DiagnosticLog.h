@@ -4,8 +4,9 @@
 
 namespace flashwriter {
 
-// Receives one line, without a line break, NUL-terminated, valid during the call only. Called on
-// whichever thread logs, by several at once; must not throw.
+// Receives one entry, NUL-terminated, valid during the call only: a line without its line break, or
+// a few lines with line breaks between them. Called on whichever thread logs, by several at once;
+// must not throw.
 using DiagnosticSink = void (*)(const char* text);
 
 // Replaces the sink; nullptr brings back the first one, which writes a line to standard error.

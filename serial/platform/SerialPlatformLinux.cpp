@@ -26,9 +26,12 @@ bool isRate(speed_t reported, speed_t wanted) {
     return difference <= wanted / 50;
 }
 
+constexpr tcflag_t INPUT_RATE_BITS = static_cast<tcflag_t>(CBAUD) << IBSHIFT;
+
+// No input rate of its own means that of the output.
 void setRate(termios2& attributes, speed_t rate) {
-    attributes.c_cflag &= ~static_cast<tcflag_t>(CBAUD | (CBAUD << IBSHIFT));
-    attributes.c_cflag |= BOTHER | (BOTHER << IBSHIFT);
+    attributes.c_cflag &= ~(CBAUD | INPUT_RATE_BITS);
+    attributes.c_cflag |= BOTHER;
     attributes.c_ispeed = rate;
     attributes.c_ospeed = rate;
 }
@@ -37,8 +40,11 @@ void setRate(termios2& attributes, speed_t rate) {
 
 // A Linux port at the kernel's defaults is set up for a person at a terminal: it waits for whole
 // lines, echoes them back and turns carriage returns into line feeds. A port that somebody has
-// already taken out of that state is left as it is.
+// already taken out of that state is left as it is. An input rate of its own, which an earlier use
+// may have left, is cleared: the C library would not touch it, and setting both rates would set
+// one.
 void startingAttributes(::termios& attributes) {
+    attributes.c_cflag &= ~INPUT_RATE_BITS;
     if ((attributes.c_lflag & ICANON) != 0) {
         ::cfmakeraw(&attributes);
     }

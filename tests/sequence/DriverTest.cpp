@@ -3,6 +3,7 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <algorithm>
+#include <new>
 #include <numeric>
 
 namespace flashwriter {
@@ -129,6 +130,42 @@ TEST_F(Driver, IsKeptAliveWithItsWindowUntilItsTasksHaveRun) {
     m_queue.run();
     EXPECT_TRUE(watchedDriver.expired());
     EXPECT_TRUE(watchedWindow.expired());
+}
+
+TEST_F(Driver, APortNameWithoutAnEndIsNoPort) {
+    _CONTEXTINFO context = contextFor("", 0, "image.bin", m_outcome);
+    std::ranges::fill(context.PortName, '/');
+    EXPECT_EQ(m_driver->start(context, std::make_shared<RecordingWindow>()),
+              RESULT_PORT_OPEN_ERROR);
+}
+
+TEST_F(Driver, AWindowThatThrowsKeepsNoWriteFromItsEnd) {
+    class Throwing : public RecordingWindow {
+    public:
+        std::uint64_t UpdateProgress(std::int32_t /*step*/, std::int32_t /*percent*/) override {
+            throw std::bad_alloc();
+        }
+        std::uint64_t setResult(_CONTEXTINFO /*context*/) override { throw std::bad_alloc(); }
+    };
+    RecordingDelegate delegate;
+    m_driver->setDelegate(&delegate);
+    const auto window = std::make_shared<Throwing>();
+    failToOpen(window);
+    m_queue.run();
+    EXPECT_EQ(m_outcome.Result, RESULT_PORT_OPEN_ERROR);
+    EXPECT_EQ(window->closings, 1);
+    EXPECT_EQ(delegate.log, std::vector<std::string>{FAILED});
+}
+
+TEST_F(Driver, AMainQueueThatThrowsKeepsNoWriteFromItsEnd) {
+    const auto driver = std::make_shared<NSSequenceProcessor>(
+        [](const std::function<void()>& /*task*/) { throw std::bad_alloc(); });
+    RecordingDelegate delegate;
+    driver->setDelegate(&delegate);
+    const auto window = std::make_shared<RecordingWindow>();
+    const _CONTEXTINFO context = contextFor("/dev/no-such-port", 0, "image.bin", m_outcome);
+    EXPECT_EQ(driver->start(context, window), RESULT_PORT_OPEN_ERROR);
+    EXPECT_EQ(window->results.size(), 1U);
 }
 
 TEST_F(Driver, ClosesTheWindowBeforeItsLastLine) {

@@ -38,6 +38,7 @@ protected:
     speed_t speed() const {
         termios2 attributes{};
         EXPECT_EQ(::ioctl(m_terminal.master(), TCGETS2, &attributes), 0);
+        EXPECT_EQ(attributes.c_ispeed, attributes.c_ospeed);
         return attributes.c_ospeed;
     }
 
@@ -105,6 +106,22 @@ TEST_F(LinesAndSpeeds, TakesAnyRate) {
     for (const std::uint64_t rate : {110U, 9600U, 115200U, 250000U, 500000U, 921600U, 1000000U}) {
         EXPECT_EQ(m_port.ChangeBaudRate(rate), RESULT_OK) << rate;
         EXPECT_EQ(speed(), rate);
+    }
+}
+
+TEST_F(LinesAndSpeeds, OpeningAgainSetsBothDirectionsBack) {
+    for (const bool inputApart : {false, true}) {
+        ASSERT_EQ(m_port.ChangeBaudRate(500000), RESULT_OK);
+        m_port.Close();
+        if (inputApart) { // as another program may leave it
+            termios2 attributes{};
+            ASSERT_EQ(::ioctl(m_terminal.master(), TCGETS2, &attributes), 0);
+            attributes.c_cflag |= BOTHER << IBSHIFT;
+            attributes.c_ispeed = 300000;
+            ASSERT_EQ(::ioctl(m_terminal.master(), TCSETS2, &attributes), 0);
+        }
+        ASSERT_EQ(m_port.Open(m_terminal.portPath()), RESULT_OK);
+        EXPECT_EQ(speed(), 115200U);
     }
 }
 

@@ -2,7 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/time.h>
+
 #include <chrono>
+#include <optional>
+
+namespace {
+
+std::optional<timeval> plannedTime; // instead of the clock's
+
+} // namespace
+
+// The program's reading of the wall clock goes through this one.
+extern "C" int gettimeofday(timeval* now, void* /*zone*/) noexcept {
+    if (plannedTime) {
+        *now = *plannedTime;
+        return 0;
+    }
+    timespec time{};
+    const int result = clock_gettime(CLOCK_REALTIME, &time);
+    *now = {time.tv_sec, time.tv_nsec / 1000};
+    return result;
+}
 
 namespace flashwriter {
 namespace {
@@ -21,6 +42,22 @@ TEST(NSGetTime, ReadsTheWallClockInWholeMilliseconds) {
         ASSERT_GE(read, before);
         ASSERT_LE(read, after);
     }
+}
+
+TEST(NSGetTime, CutsOffPartsOfAMillisecond) {
+    plannedTime = timeval{1763700000, 999999};
+    EXPECT_EQ(NSGetTime::getTimeOfDay_msec(), 1763700000999U);
+    plannedTime = timeval{1763700000, 1999};
+    EXPECT_EQ(NSGetTime::getTimeOfDay_msec(), 1763700000001U);
+    plannedTime.reset();
+}
+
+TEST(NSGetTime, FollowsAClockThatIsSetBack) {
+    plannedTime = timeval{1763700000, 0};
+    const std::uint64_t later = NSGetTime::getTimeOfDay_msec();
+    plannedTime = timeval{1763600000, 0};
+    EXPECT_EQ(NSGetTime::getTimeOfDay_msec(), later - 100000000U);
+    plannedTime.reset();
 }
 
 } // namespace

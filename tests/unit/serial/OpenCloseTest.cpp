@@ -1,6 +1,7 @@
 #include "serial/NSSerialPortProcessor.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailingAllocation.h"
+#include "tests/support/FailingThread.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/SerialRequests.h"
 
@@ -152,7 +153,8 @@ TEST(OpenForMonitor, ARateThatTheDeviceCannotTakeLeavesThePortOpen) {
     PseudoTerminal terminal;
     NSSerialPortProcessor port;
     EXPECT_EQ(port.OpenForMonitor(terminal.portPath(), 4000000), RESULT_BAUD_RATE_CHANGE_FAILED);
-    EXPECT_TRUE(eventually([&] { return port.IsReading(); }));
+    EXPECT_TRUE(eventually([&] { return requests.discards == 1; })) << "the thread has begun";
+    EXPECT_TRUE(port.IsReading());
     terminal.send({'h', 'i'});
     EXPECT_TRUE(eventually([&] { return port.GetReceiveDataLength() == 2; }));
 }
@@ -185,6 +187,18 @@ TEST(Open, WithoutMemoryClosesADescriptorStillRecorded) {
     EXPECT_FALSE(DescriptorZero::isOpen());
     EXPECT_EQ(port.OpenForMonitor(terminal.portPath(), 9600), RESULT_INIT_FAILED);
     testing::failingAllocation = {};
+    EXPECT_EQ(port.Open(terminal.portPath()), RESULT_OK);
+}
+
+TEST(Open, WithoutAThreadClosesTheDevice) {
+    const PseudoTerminal terminal;
+    NSSerialPortProcessor port;
+    const std::size_t before = openDescriptors();
+    testing::failThreadCreation = true;
+    EXPECT_EQ(port.Open(terminal.portPath()), RESULT_INIT_FAILED);
+    EXPECT_EQ(port.OpenForMonitor(terminal.portPath(), 9600), RESULT_INIT_FAILED);
+    testing::failThreadCreation = false;
+    EXPECT_EQ(openDescriptors(), before);
     EXPECT_EQ(port.Open(terminal.portPath()), RESULT_OK);
 }
 
@@ -226,14 +240,16 @@ TEST(Close, NeverLeavesAThreadBehindThatHasNotBegunYet) {
 }
 
 TEST(Open, OfATransportThatIsOpenLosesNeitherDescriptorNorThread) {
+    const SerialRequests requests;
     const PseudoTerminal first;
     const PseudoTerminal second;
     const std::size_t before = openDescriptors();
     {
         NSSerialPortProcessor port;
         ASSERT_EQ(port.Open(first.portPath()), RESULT_OK);
+        ASSERT_TRUE(eventually([&] { return requests.discards == 1; }));
         ASSERT_EQ(port.Open(second.portPath()), RESULT_OK);
-        ASSERT_TRUE(eventually([&] { return port.IsReading(); }));
+        ASSERT_TRUE(eventually([&] { return requests.discards == 2; }));
         second.send({1, 2, 3});
         EXPECT_TRUE(eventually([&] { return port.GetReceiveDataLength() == 3; }));
     }

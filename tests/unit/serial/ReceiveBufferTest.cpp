@@ -43,6 +43,7 @@ TEST_F(ReceiveBuffer, GivesNothingWhenThereIsLessThanWanted) {
     append({1, 2, 3, 4});
     EXPECT_TRUE(take(5).empty());
     EXPECT_EQ(m_port.GetReceiveDataLength(), 4U);
+    EXPECT_EQ(take(4), (std::vector<std::uint8_t>{1, 2, 3, 4}));
 }
 
 TEST_F(ReceiveBuffer, GivesExactlyTheWantedCountAndKeepsTheRest) {
@@ -143,6 +144,13 @@ TEST_F(ReceiveBuffer, BehavesAsAQueueWhateverTheOrderOfOperations) {
             model.erase(model.begin(), end);
         }
         ASSERT_EQ(m_port.GetReceiveDataLength(), model.size());
+        if (model.size() >= 2) {
+            std::uint8_t type = 0;
+            std::uint64_t length = 0;
+            m_port.CheckDataFrame(type, length);
+            ASSERT_EQ(type, model[0]);
+            ASSERT_EQ(length, model[1]);
+        }
     }
 }
 
