@@ -1,17 +1,17 @@
 #include "sequence/BlockExchanges.h"
 
 #include "sequence/DeviceQueries.h"
+#include "sequence/FlashGeometry.h"
 #include "sequence/context/DiagnosticLog.h"
 
 namespace flashwriter {
 
 namespace {
 
-constexpr std::uint64_t BLOCK_SIZE = 1024;
 constexpr std::uint8_t BLANK_CHECK_D01 = 0;
 
-// The time-out is asked for with the addresses' bytes in reverse order, as makeAddress rebuilds
-// them; it has always been computed so, and it only counts 256 KiB regions.
+// The time-out is asked for with the addresses' bytes in reverse order, as makeAddress rebuilds them
+// from what splitAddress returns. Of the addresses it only counts the 256 KiB regions between them.
 std::uint64_t reversed(const AddressBytes& bytes) {
     return DeviceQueries::makeAddress(bytes.high, bytes.mid, bytes.low);
 }

@@ -1,20 +1,16 @@
 #include "sequence/ChecksumExchange.h"
 
 #include "sequence/DeviceQueries.h"
+#include "sequence/FlashGeometry.h"
 #include "sequence/context/DiagnosticLog.h"
 
 namespace flashwriter {
 
-namespace {
-
-constexpr std::uint64_t BLOCK_SIZE = 1024;
-
-} // namespace
+namespace {} // namespace
 
 std::uint64_t ChecksumExchange::blocksBetween(std::uint64_t startAddress,
                                               std::uint64_t endAddress) {
-    const std::uint64_t distance = endAddress - startAddress;
-    return distance / BLOCK_SIZE + (distance % BLOCK_SIZE != 0 ? 1 : 0);
+    return blocksOf(endAddress - startAddress);
 }
 
 ResultCode ChecksumExchange::comChecksum(std::uint64_t startAddress, std::uint64_t endAddress,

@@ -2,6 +2,7 @@
 
 #include "sequence/DataFrameExchange.h"
 #include "sequence/DeviceQueries.h"
+#include "sequence/FlashGeometry.h"
 #include "sequence/context/DiagnosticLog.h"
 
 #include <algorithm>
@@ -12,9 +13,7 @@ namespace flashwriter {
 
 namespace {
 
-constexpr std::uint64_t BLOCK_SIZE = 1024;
 constexpr std::uint64_t FRAMES_PER_BLOCK = BLOCK_SIZE / DATA_FRAME_SIZE;
-constexpr std::uint8_t ERASED = 0xFF;
 
 // The last block of an image that does not fill it, completed with the erased value; empty when
 // there is no memory.
@@ -36,7 +35,7 @@ ResultCode ProgrammingExchange::comProgrammingProc(std::uint64_t startAddress,
                                                    std::uint64_t dataLength, bool codeFlash) {
     m_link.initCommandInfo(COM_PROGRAMMING);
     const std::uint64_t remainder = dataLength % BLOCK_SIZE;
-    const std::uint64_t blocks = dataLength / BLOCK_SIZE + (remainder != 0 ? 1 : 0);
+    const std::uint64_t blocks = blocksOf(dataLength);
     m_progress.Incremental = m_progress.Share / static_cast<double>(blocks);
 
     const NSWaitingTimeCalculator& waits = m_link.waitingTime();

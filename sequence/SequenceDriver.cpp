@@ -1,5 +1,6 @@
 #include "sequence/SequenceDriver.h"
 
+#include "sequence/FlashGeometry.h"
 #include "sequence/NSSequenceProcessor.h"
 #include "sequence/NSSequenceProcessorForMot.h"
 #include "sequence/context/DiagnosticLog.h"
@@ -20,10 +21,6 @@ constexpr std::uint64_t ENTERING_MODE = 101;
 constexpr std::uint64_t ERASING = 102;
 constexpr std::uint64_t WRITING = 103;
 
-constexpr std::uint64_t BLOCK_SIZE = 1024;
-constexpr std::uint64_t CODE_FLASH_START = 0;
-constexpr std::uint64_t DATA_FLASH_START = 0xF1000;
-constexpr std::uint8_t ERASED = 0xFF;
 constexpr std::uint8_t VOLTAGE = 0x21;
 constexpr bool CODE_FLASH = true;
 
@@ -329,8 +326,7 @@ void SequenceDriver<TargetFile, Delegate>::advance(std::uint64_t percentagePoint
 
 template <class TargetFile, class Delegate>
 std::uint64_t SequenceDriver<TargetFile, Delegate>::blockCount() const {
-    const std::uint64_t size = m_TargetFile.GetProgramMemorySize();
-    return size / BLOCK_SIZE + (size % BLOCK_SIZE != 0 ? 1 : 0);
+    return blocksOf(m_TargetFile.GetProgramMemorySize());
 }
 
 // Inclusive; an image of no bytes has none, and the value wraps to all ones.
