@@ -208,7 +208,7 @@ void Target::doSignature(const HostFrame& frame) {
     Bytes data(m_options.deviceCode.begin(), m_options.deviceCode.end());
     data.insert(data.end(), m_options.deviceName.begin(), m_options.deviceName.end());
     putAddress(data, m_flash.codeEndAddress());
-    putAddress(data, m_flash.dataEndAddress());
+    putAddress(data, m_options.signatureDataEnd.value_or(m_flash.dataEndAddress()));
     data.insert(data.end(), m_options.version.begin(), m_options.version.end());
     reply(m_busyUntil, data, "silicon signature", m_options.frameGap);
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,8 @@ struct TargetOptions {
     std::array<std::uint8_t, 3> deviceCode{0x10, 0x00, 0x06};
     std::string deviceName = "BOARD-64K";         // cut or filled with blanks to 10 characters
     std::array<std::uint8_t, 3> version{3, 0, 3}; // most significant digit first
+    // What the signature gives as the last address of data flash, 24 bits; without it the truth.
+    std::optional<std::uint32_t> signatureDataEnd{};
     std::array<std::uint8_t, 8> security{0xFE, 0x03, 0x00, 0x00, 0x3F, 0x00, 0x00, 0x00};
 
     bool invertedDtr = false;           // DTR off holds the target in reset, on releases it

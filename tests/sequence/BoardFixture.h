@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -45,6 +47,7 @@ protected:
     RunRecord write(const std::string& file, std::uint8_t baudRate = 0) {
         m_board.start(m_options);
         m_before = m_board.codeFlash();
+        m_dataBefore = m_board.dataFlash();
         RunRecord record = runDriver(m_board.portPath(), baudRate, file);
         m_board.stop();
         checkAgreement(record);
@@ -82,9 +85,29 @@ protected:
         return codes;
     }
 
+    // What the driver did to DTR last; closing the port drops it once more.
+    std::string lastDtrBeforeClosing() const {
+        std::string last;
+        for (const board::TranscriptRecord& entry : m_board.transcript()) {
+            if (entry.meaning == "port closed") {
+                break;
+            }
+            if (entry.meaning.starts_with("DTR o")) {
+                last = entry.meaning;
+            }
+        }
+        return last;
+    }
+    // How often mode entry was tried, heard by the board or not: each try holds the line once.
+    std::ptrdiff_t modeEntries() const {
+        const board::Transcript transcript = m_board.transcript();
+        return std::ranges::count(transcript, "BREAK on", &board::TranscriptRecord::meaning);
+    }
+
     board::BoardOptions m_options;
     board::VirtualBoard m_board;
-    Bytes m_before;
+    Bytes m_before;     // code flash before the write
+    Bytes m_dataBefore; // data flash before it
 };
 
 } // namespace flashwriter

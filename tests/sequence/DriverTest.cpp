@@ -61,6 +61,25 @@ TEST_F(Driver, ABoardWithoutDataFlashTakesNoData) {
     EXPECT_EQ(m_driver->checkSizeAndAddressRange(0, 1, 0xF1000, 1), RESULT_DATA_FLASH_SIZE_ERROR);
 }
 
+// The room is an unsigned difference: an end below data flash leaves next to all there is.
+TEST_F(Driver, AnEndBelowDataFlashWraps) {
+    const auto check = [this](std::uint64_t dataSize) {
+        return m_driver->checkSizeAndAddressRange(0, 1, 0xF1000, dataSize);
+    };
+    setEnds(0xFFFF, 0xF0FFF);
+    EXPECT_EQ(check(0), RESULT_OK);
+    EXPECT_EQ(check(1), RESULT_DATA_FLASH_SIZE_ERROR);
+    setEnds(0xFFFF, 0xF0FFE);
+    EXPECT_EQ(check(UINT64_MAX), RESULT_OK);
+    setEnds(0xFFFF, 1);
+    EXPECT_EQ(check(0xF1001), RESULT_OK);
+    EXPECT_EQ(check(0ULL - 0xF0FFE), RESULT_OK);
+    EXPECT_EQ(check(0ULL - 0xF0FFD), RESULT_DATA_FLASH_SIZE_ERROR);
+    setEnds(0xFFFF, 0xFFFFFF);
+    EXPECT_EQ(check(0xF0F000), RESULT_OK);
+    EXPECT_EQ(check(0xF0F001), RESULT_DATA_FLASH_SIZE_ERROR);
+}
+
 std::uint32_t checksumOf(const Bytes& bytes) {
     std::uint32_t checksum = 0xDEADBEEF;
     EXPECT_EQ(NSSequenceProcessor::getChecksum(bytes.data(), bytes.size(), checksum), RESULT_OK);

@@ -40,7 +40,19 @@ protected:
         const ImageFile file("image.bin", patternImage(1000));
         return write(file.path());
     }
-    void expectUntouched() const { EXPECT_EQ(m_board.codeFlash(), m_before); }
+    void expectUntouched() const {
+        EXPECT_EQ(m_board.codeFlash(), m_before);
+        EXPECT_EQ(m_board.dataFlash(), m_dataBefore);
+    }
+    void expectNoRoomForData() {
+        const ImageFile file("image.mot",
+                             motText(patternImage(16)) + "S20C0F1000001020304050607080\n");
+        const RunRecord record = write(file.path());
+        EXPECT_EQ(record.returned, RESULT_DATA_FLASH_SIZE_ERROR);
+        EXPECT_EQ(record.window->progress, UP_TO_CHECK);
+        EXPECT_EQ(commands(), (std::vector<int>{0x9A, 0x00, 0xC0}));
+        expectUntouched();
+    }
 };
 
 TEST_F(FailedWrite, APortThatCannotBeOpened) {
@@ -109,13 +121,18 @@ TEST_F(FailedWrite, AnImageOfExactlyTheFlashFitsAndOneByteMoreDoesNot) {
 
 TEST_F(FailedWrite, RecordsForDataFlashAreAlwaysTooMany) {
     for (const std::uint32_t dataKib : {0U, 4U, 8U}) {
+        SCOPED_TRACE(dataKib);
         m_options.target.flash.dataKib = dataKib;
-        const ImageFile file("image.mot",
-                             motText(patternImage(16)) + "S20C0F100001020304050607080\n");
-        const RunRecord record = write(file.path());
-        EXPECT_EQ(record.returned, RESULT_DATA_FLASH_SIZE_ERROR);
-        EXPECT_EQ(record.window->progress, UP_TO_CHECK);
-        expectUntouched();
+        expectNoRoomForData();
+    }
+}
+
+// Ends so far up, or below the start of data flash, that by them alone there would be room.
+TEST_F(FailedWrite, RecordsForDataFlashAreTooManyWhateverTheSignatureSays) {
+    for (const std::uint32_t end : {0xFFFFFFU, 0x1E2007U, 0x000001U, 0xF0FFEU}) {
+        SCOPED_TRACE(end);
+        m_options.target.signatureDataEnd = end;
+        expectNoRoomForData();
     }
 }
 
