@@ -54,11 +54,18 @@ _CONTEXTINFO contextFor(const std::string& port, std::uint8_t baudRate, const st
 template <class Driver>
 RunRecord runWith(const std::shared_ptr<Driver>& driver, TestMainQueue& queue,
                   const std::string& port, std::uint8_t baudRate, const std::string& file) {
+    _RESULTINFO replaced{};
+    return runWith(driver, queue, contextFor(port, baudRate, file, replaced));
+}
+
+template <class Driver>
+RunRecord runWith(const std::shared_ptr<Driver>& driver, TestMainQueue& queue,
+                  _CONTEXTINFO context) {
     RunRecord record;
     RecordingDelegate delegate;
     driver->setDelegate(&delegate);
     record.window = std::make_shared<RecordingWindow>();
-    const _CONTEXTINFO context = contextFor(port, baudRate, file, record.outcome);
+    context.pResultInfo = &record.outcome;
     std::thread worker([&] { record.returned = driver->start(context, record.window); });
     worker.join();
     queue.run();
@@ -69,6 +76,8 @@ RunRecord runWith(const std::shared_ptr<Driver>& driver, TestMainQueue& queue,
 
 template RunRecord runWith(const std::shared_ptr<NSSequenceProcessor>&, TestMainQueue&,
                            const std::string&, std::uint8_t, const std::string&);
+template RunRecord runWith(const std::shared_ptr<NSSequenceProcessor>&, TestMainQueue&,
+                           _CONTEXTINFO);
 template RunRecord runWith(const std::shared_ptr<NSSequenceProcessorForMot>&, TestMainQueue&,
                            const std::string&, std::uint8_t, const std::string&);
 

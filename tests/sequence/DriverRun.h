@@ -67,4 +67,9 @@ template <class Driver>
 RunRecord runWith(const std::shared_ptr<Driver>& driver, TestMainQueue& queue,
                   const std::string& port, std::uint8_t baudRate, const std::string& file);
 
+// And with a context that the test filled; its pResultInfo is replaced by the record's.
+template <class Driver>
+RunRecord runWith(const std::shared_ptr<Driver>& driver, TestMainQueue& queue,
+                  _CONTEXTINFO context);
+
 } // namespace flashwriter

@@ -72,6 +72,8 @@ TEST_F(FailedWrite, ABoardThatIsNotThere) {
     EXPECT_EQ(record.window->progress, UP_TO_MODE_ENTRY);
     EXPECT_EQ(record.outcome.ComInfo.Command, 0x9A);
     EXPECT_EQ(record.outcome.ComInfo.Retry, 4U);
+    EXPECT_EQ(modeEntries(), 2);
+    EXPECT_EQ(lastDtrBeforeClosing(), "DTR off");
     expectUntouched();
 }
 
@@ -80,6 +82,19 @@ TEST_F(FailedWrite, AModeEntryRefusedIsNotRepeated) {
     EXPECT_EQ(record.returned, RESULT_COMMAND_FRAME_ABORT);
     EXPECT_EQ(commands(), std::vector<int>{0x9A});
     EXPECT_EQ(record.outcome.ComInfo.ST1, 0x05);
+    EXPECT_EQ(modeEntries(), 1);
+    EXPECT_EQ(lastDtrBeforeClosing(), "DTR on");
+}
+
+TEST_F(FailedWrite, ASecondModeEntryRefusedIsNotRepeatedEither) {
+    m_options.target.invertedDtr = true;
+    const RunRecord record = writeOneBlock({{FaultKind::status, BAUD_RATE, 0x05}});
+    EXPECT_EQ(record.returned, RESULT_COMMAND_FRAME_ABORT) << "the second code is the result";
+    EXPECT_EQ(record.log, (std::vector<std::string>{MODE_LINE, FAILED}));
+    EXPECT_EQ(commands(), std::vector<int>{0x9A});
+    EXPECT_EQ(record.outcome.ComInfo.ST1, 0x05);
+    EXPECT_EQ(modeEntries(), 2);
+    EXPECT_EQ(lastDtrBeforeClosing(), "DTR off");
 }
 
 TEST_F(FailedWrite, AnUnknownSpeedIndex) {

@@ -2,7 +2,10 @@
 #include "tests/sequence/BoardFixture.h"
 #include "tests/support/Eventually.h"
 
+#include <atomic>
+#include <chrono>
 #include <numeric>
+#include <thread>
 
 namespace flashwriter {
 namespace {
@@ -12,22 +15,7 @@ using testing::ImageFile;
 using testing::motText;
 using testing::patternImage;
 
-class Write : public BoardFixture {
-protected:
-    // What the driver did to DTR last; closing the port drops it once more.
-    std::string lastDtrBeforeClosing() const {
-        std::string last;
-        for (const board::TranscriptRecord& entry : m_board.transcript()) {
-            if (entry.meaning == "port closed") {
-                break;
-            }
-            if (entry.meaning.starts_with("DTR o")) {
-                last = entry.meaning;
-            }
-        }
-        return last;
-    }
-};
+class Write : public BoardFixture {};
 
 // Frames as they are on paper: a command with its parameters, a data frame.
 Bytes closed(Bytes frame, unsigned sum, std::uint8_t end) {
@@ -187,6 +175,29 @@ TEST_F(Write, KeepsWhatTheTargetToldAboutItself) {
     EXPECT_EQ(context.ReceiveTimeout, 200U);
 }
 
+// The caller's times would let mode entry take too long and end at the first silence.
+TEST_F(Write, UsesItsOwnTimesWhateverTheCallerGives) {
+    m_options.faults = {{board::FaultKind::silence, 2, board::Fault::kDefault}}; // Reset's status
+    const ImageFile file("image.bin", patternImage(1));
+    TestMainQueue queue;
+    m_board.start(m_options);
+    _RESULTINFO outcome{};
+    _CONTEXTINFO context = contextFor(m_board.portPath(), 0, file.path(), outcome);
+    context.ComRetryMax = 1;
+    context.RetryWaitTime = 1;
+    context.SendWait = 50;
+    context.ReceiveTimeout = 9000;
+    const RunRecord record =
+        runWith(std::make_shared<NSSequenceProcessor>(queue.handle()), queue, context);
+    m_board.stop();
+    EXPECT_EQ(record.returned, RESULT_OK);
+    const _CONTEXTINFO used = record.window->results.at(0);
+    EXPECT_EQ(used.ComRetryMax, 5U);
+    EXPECT_EQ(used.RetryWaitTime, 100U);
+    EXPECT_EQ(used.SendWait, 1U);
+    EXPECT_EQ(used.ReceiveTimeout, 200U);
+}
+
 TEST_F(Write, ABoardThatAnswersDataFramesShortly) {
     m_options.target.shortDataStatus = true;
     const Bytes image = patternImage(2000);
@@ -215,6 +226,25 @@ TEST_F(Write, FindsABoardWithDtrTheOtherWayRound) {
     EXPECT_EQ(lastDtrBeforeClosing(), "DTR off") << "the level with which its reset begins";
 }
 
+TEST_F(Write, DoesNotKeepTheSenseOfDtrForTheNextOne) {
+    const Bytes image = patternImage(1000);
+    const ImageFile file("image.bin", image);
+    TestMainQueue queue;
+    const auto driver = std::make_shared<NSSequenceProcessor>(queue.handle());
+    for (const bool inverted : {true, false}) {
+        SCOPED_TRACE(inverted);
+        m_options.target.invertedDtr = inverted;
+        m_board.start(m_options);
+        m_before = m_board.codeFlash();
+        const RunRecord record = runWith(driver, queue, m_board.portPath(), 0, file.path());
+        m_board.stop();
+        EXPECT_EQ(record.returned, RESULT_OK);
+        EXPECT_EQ(m_board.codeFlash(), flashAfter(image, m_before));
+        EXPECT_EQ(modeEntries(), inverted ? 2 : 1);
+        EXPECT_EQ(lastDtrBeforeClosing(), inverted ? "DTR off" : "DTR on");
+    }
+}
+
 TEST_F(Write, WithOnePerTimeLeavesNothingBehind) {
     const ImageFile file("image.bin", patternImage(1));
     TestMainQueue queue;
@@ -232,6 +262,42 @@ TEST_F(Write, WithOnePerTimeLeavesNothingBehind) {
         EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
         EXPECT_TRUE(testing::eventually([&] { return entriesOf("/proc/self/task") == threads; }));
     }
+}
+
+// The main thread may put another delegate in place at any moment of a write.
+TEST_F(Write, LosesNoLineWhenItsDelegateChangesMeanwhile) {
+    class Delegate : public NSSequenceProcessorDelegate {
+    public:
+        explicit Delegate(std::vector<std::string>& log) : m_log(log) {}
+        void delegateAddLog(const std::string& text) override { m_log.push_back(text); }
+
+    private:
+        std::vector<std::string>& m_log;
+    };
+    const ImageFile file("image.bin", patternImage(1000));
+    TestMainQueue queue;
+    const auto driver = std::make_shared<NSSequenceProcessor>(queue.handle());
+    std::vector<std::string> log;
+    Delegate first(log);
+    Delegate second(log);
+    driver->setDelegate(&first);
+    _RESULTINFO outcome{};
+    m_board.start(m_options);
+    const _CONTEXTINFO context = contextFor(m_board.portPath(), 0, file.path(), outcome);
+    std::atomic<bool> ended{false};
+    std::thread worker([&] {
+        driver->start(context, std::make_shared<RecordingWindow>());
+        ended = true;
+    });
+    while (!ended) {
+        driver->setDelegate(driver->delegate() == &first ? &second : &first);
+        queue.run();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    worker.join();
+    queue.run();
+    EXPECT_EQ(outcome.Result, RESULT_OK);
+    EXPECT_EQ(log, SUCCESS_LOG);
 }
 
 } // namespace
