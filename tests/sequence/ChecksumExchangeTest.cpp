@@ -43,6 +43,14 @@ TEST_F(ChecksumExchangeTest, DataThatDoesNotComeIsNotAskedForAgain) {
     EXPECT_EQ(m_target.frames().size(), 1U);
 }
 
+// 256 blocks may take 246 ms, a single one 100.
+TEST_F(ChecksumExchangeTest, WaitsForTheDataAsLongAsTheBlocksOfTheRangeAllow) {
+    m_target.answer({ACCEPTED, {}, targetFrame({0x34, 0x12}), std::chrono::milliseconds(150)});
+    EXPECT_EQ(m_checksum.comChecksum(0, 0x3FFFF, m_ck1, m_ck2, true), RESULT_OK);
+    EXPECT_EQ(m_ck1, 0x34);
+    EXPECT_EQ(m_ck2, 0x12);
+}
+
 TEST_F(ChecksumExchangeTest, DataOfAnotherSizeIsNoReply) {
     EXPECT_EQ(ask(ACCEPTED, targetFrame({0x34})), RESULT_RECEIVE_TIMEOUT);
     EXPECT_EQ(m_ck1, 0xAA);

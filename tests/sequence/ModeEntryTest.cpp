@@ -83,6 +83,20 @@ TEST_F(ModeEntryTest, GoesOnWhenThePortHasNoLines) {
     EXPECT_EQ(m_entry.programingMode(0, VOLTAGE, false), RESULT_OK);
 }
 
+// What a target said before it was held in reset is no answer to anything.
+TEST_F(ModeEntryTest, ForgetsWhatCameBefore) {
+    for (const Bytes& stale : {ACCEPTED, targetFrame({0x05}), Bytes{0x02, 0x16}, Bytes{0x00}}) {
+        const std::size_t before = m_target.frames().size();
+        answerAll();
+        m_port.setReadData(stale.data(), stale.size());
+        EXPECT_EQ(m_entry.programingMode(0, VOLTAGE, false), RESULT_OK);
+        std::vector<Bytes> frames = m_target.frames();
+        frames.erase(frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(before));
+        EXPECT_EQ(frames, (std::vector<Bytes>{ZERO, BAUD_RATE_0, RESET, SIGNATURE}));
+        EXPECT_EQ(m_port.GetReceiveDataLength(), 0U);
+    }
+}
+
 TEST_F(ModeEntryTest, RefusesAnUnknownSpeedBeforeTouchingALine) {
     EXPECT_EQ(m_entry.programingMode(4, VOLTAGE, false), RESULT_PARAMETER_ERROR);
     EXPECT_TRUE(m_requests.made.empty());

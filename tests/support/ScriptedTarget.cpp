@@ -101,6 +101,10 @@ void ScriptedTarget::reply() {
     if (!answer.bytes.empty()) {
         m_terminal.send(answer.bytes);
     }
+    if (!answer.more.empty()) {
+        std::this_thread::sleep_for(answer.pause);
+        m_terminal.send(answer.more);
+    }
 }
 
 } // namespace flashwriter::testing

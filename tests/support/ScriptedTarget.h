@@ -25,6 +25,8 @@ public:
     struct Answer {
         Bytes bytes; // none: silence
         std::chrono::milliseconds delay{0};
+        Bytes more{}; // behind the bytes, after a pause of its own
+        std::chrono::milliseconds pause{0};
     };
 
     ScriptedTarget();
