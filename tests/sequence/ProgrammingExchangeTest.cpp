@@ -1,5 +1,6 @@
 #include "sequence/ProgrammingExchange.h"
 
+#include "tests/sequence/DiagnosticLines.h"
 #include "tests/sequence/ExchangeFixture.h"
 #include "tests/support/FailingAllocation.h"
 
@@ -62,6 +63,12 @@ protected:
     _PROGRESSINIFO m_progress{};
     RecordingProgrammingExchange m_programming{m_link, m_progress};
 };
+
+Bytes twice(Bytes frame) {
+    const Bytes again = frame;
+    frame.insert(frame.end(), again.begin(), again.end());
+    return frame;
+}
 
 // The n-th data frame as the target should see it, worked out from the padded image.
 Bytes dataFrame(const Bytes& image, std::size_t number, bool last) {
@@ -129,9 +136,7 @@ TEST_F(ProgrammingExchangeTest, ARefusedCommandSendsNoData) {
 
 TEST_F(ProgrammingExchangeTest, AShortStatusIsTakenToo) {
     takeBlock();
-    Bytes both = ACCEPTED;
-    both.insert(both.end(), ACCEPTED.begin(), ACCEPTED.end());
-    m_target.answer(both);
+    m_target.answer(twice(ACCEPTED));
     EXPECT_EQ(program(image(1)), RESULT_OK);
 }
 
@@ -212,6 +217,35 @@ TEST_F(ProgrammingExchangeTest, AVerifyStatusThatDoesNotComeSendsTheFinalFrameAg
     EXPECT_EQ(frames[4], dataFrame(bytes, 3, true));
     EXPECT_EQ(frames[5], dataFrame(bytes, 3, true));
     EXPECT_EQ(m_context.ComInfo.Retry, 1U);
+}
+
+TEST_F(ProgrammingExchangeTest, TellsOfAFinalFrameSentAgainInTheDiagnosticLog) {
+    hurry();
+    Bytes bytes(1024, 0x33);
+    bytes[0] = 0x12;
+    takeBlock();
+    m_target.answer(TAKEN);
+    m_target.answer(twice(ACCEPTED));
+    const DiagnosticLines lines;
+    ASSERT_EQ(program(bytes), RESULT_OK);
+
+    Lines expected{
+        "dwStartAddress = 0x00000000",
+        "dwEndAddress   = 0x000003FF",
+        "Programming@ST1 = 0x06",
+        "dwDataLength = 1024",
+        "pbData       = 0x00000012",
+        "fFraction = FALSE",
+        "dwBlockCount = 1",
+        "dwRemainByte = 0",
+    };
+    for (std::uint64_t part = 0; part < 4; ++part) {
+        AttemptLines{0, part, 0, bytes[part * 256], part == 3, 6}.appendTo(expected);
+        expected.insert(expected.end(), {"dwRet = 0x00000000", "DST1 = 0x06\nDST2 = 0x06"});
+    }
+    AttemptLines{0, 3, 1, 0x33, true, 5}.appendTo(expected);
+    expected.insert(expected.end(), {"DST1=0x06", "Internal Verify DST1=0x06"});
+    EXPECT_EQ(DiagnosticLines::all(), expected);
 }
 
 TEST_F(ProgrammingExchangeTest, AVerifyThatNeverAnswersEndsAfterTheLastAttempt) {
