@@ -1,5 +1,6 @@
 // Whole writes that fail: what is told, and what the board is left with.
 #include "tests/sequence/BoardFixture.h"
+#include "tests/support/EmptyImage.h"
 
 namespace flashwriter {
 namespace {
@@ -121,6 +122,22 @@ TEST_F(FailedWrite, FilesThatAreNoImages) {
     const ImageFile comment("image.mot", std::string("; not a record\n"));
     EXPECT_EQ(write(comment.path()).returned, RESULT_UNSUPPORTED_FORMAT);
     EXPECT_EQ(write("/no/such/image.mot").returned, RESULT_FILE_READ_FAILED);
+}
+
+// No block is the driver's business then, and it asks for the range up to 0 - 1: for all of it.
+TEST_F(FailedWrite, AnImageOfNoBytesIsLeftToTheBoardToRefuse) {
+    testing::imagesAreEmpty = true;
+    const RunRecord record = write("image.bin");
+    testing::imagesAreEmpty = false;
+    EXPECT_EQ(record.returned, RESULT_COMMAND_FRAME_ABORT);
+    EXPECT_EQ(record.log, (std::vector<std::string>{
+                              MODE_LINE, ERASE_LINE, OK_TEXT, PROGRAM_LINE,
+                              " Error\nエラー：コマンド・フレームに対する異常終了\n", FAILED}));
+    EXPECT_EQ(commands(), (std::vector<int>{0x9A, 0x00, 0xC0, 0x40}));
+    EXPECT_EQ(hostFrames().back(),
+              (Bytes{0x01, 0x07, 0x40, 0x00, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xBC, 0x03}));
+    EXPECT_EQ(record.window->progress.back(), std::make_pair(103, 10));
+    expectUntouched();
 }
 
 TEST_F(FailedWrite, AnImageOfExactlyTheFlashFitsAndOneByteMoreDoesNot) {
