@@ -9,6 +9,9 @@ using testing::ImageFile;
 
 class DriverLines : public BoardFixture {};
 
+constexpr const char* AREA = "StartAddress = 0x00000000:EndAddress = 0x000003FF:"
+                             "Size = 1000:BlockCount = 1:RemainSize = 1000";
+
 TEST_F(DriverLines, OfAWriteThatErasesOneBlockAndFillsItUp) {
     Bytes image(1000, 0x33);
     image[0] = 0x12;
@@ -20,8 +23,7 @@ TEST_F(DriverLines, OfAWriteThatErasesOneBlockAndFillsItUp) {
 
     Lines expected{
         "## Programming Mode",
-        "StartAddress = 0x00000000:EndAddress = 0x000003FF:Size = 1000:BlockCount = 1:"
-        "RemainSize = 1000",
+        AREA,
         "## Block Blank Check",
         "## Block Erace",
         "dwStartAddress = 0x00000000",
