@@ -23,16 +23,15 @@ std::string refusedAdvice(const FailureFacts& facts) {
     const std::string ofGroup = facts.portPath + " belongs to group " + port.group;
     if (port.groupMayUse && port.membership == GroupMembership::None) {
         return ofGroup + " and " + port.user + " is not in it: run \"sudo usermod -aG " +
-               port.group + " " + port.user +
-               "\" and log in again, or install the udev rule that comes with the program.";
+               port.group + " " + port.user + "\" and log in again.";
     }
     if (port.groupMayUse && port.membership == GroupMembership::NextLogin) {
         return ofGroup + ", which " + port.user +
                " has joined since this session began: log out and in again.";
     }
     return facts.portPath + " may not be opened by " + port.user +
-           ", and its group would not help: install the udev rule that comes with the program, or "
-           "have the permissions changed.";
+           ", and its group would not help: have its permissions changed, for example by a udev "
+           "rule.";
 }
 
 std::string permittedAdvice(const FailureFacts& facts) {

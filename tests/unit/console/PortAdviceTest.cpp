@@ -46,8 +46,7 @@ TEST(PortAdvice, AStrangerIsToldHowToJoinTheGroup) {
     facts.port.membership = GroupMembership::None;
     EXPECT_EQ(openAdvice(facts),
               "/dev/ttyUSB0 belongs to group dialout and ada is not in it: run \"sudo usermod -aG "
-              "dialout ada\" and log in again, or install the udev rule that comes with the "
-              "program.");
+              "dialout ada\" and log in again.");
 }
 
 TEST(PortAdvice, AMemberOfTomorrowIsToldToLogInAgain) {
@@ -63,8 +62,7 @@ TEST(PortAdvice, NobodyIsSentIntoAGroupThatWouldNotHelp) {
     FailureFacts facts = goodFacts();
     facts.port.state = PortState::Refused;
     const std::string wanted = "/dev/ttyUSB0 may not be opened by ada, and its group would not "
-                               "help: install the udev rule that comes with the program, or have "
-                               "the permissions changed.";
+                               "help: have its permissions changed, for example by a udev rule.";
     EXPECT_EQ(openAdvice(facts), wanted) << "in the group already";
     facts.port.groupMayUse = false;
     facts.port.membership = GroupMembership::None;
