@@ -107,7 +107,8 @@ run_tests() {
     local junit="$PWD/build/$preset/junit.xml" log="build/$preset.ctest.log"
     shift
     rm -f "$junit"
-    "$run" ctest --test-dir "build/$preset" -j "$(nproc)" --output-on-failure --no-tests=error \
+    # Twice as many tests as processors: most of them wait for time-outs most of the time.
+    "$run" ctest --test-dir "build/$preset" -j "$((2 * $(nproc)))" --output-on-failure --no-tests=error \
         --timeout 300 --output-junit "$junit" "$@" >"$log" 2>&1 || status=$?
     counted_failures=0
     if [[ -s $junit ]]; then
