@@ -10,8 +10,9 @@ namespace {
 
 constexpr std::uint8_t BLANK_CHECK_D01 = 0;
 
-// The time-out is asked for with the addresses' bytes in reverse order, as makeAddress rebuilds them
-// from what splitAddress returns. Of the addresses it only counts the 256 KiB regions between them.
+// The time-out is asked for with the addresses' bytes in reverse order, as makeAddress rebuilds
+// them from what splitAddress returns. Of the addresses it only counts the 256 KiB regions between
+// them.
 std::uint64_t reversed(const AddressBytes& bytes) {
     return DeviceQueries::makeAddress(bytes.high, bytes.mid, bytes.low);
 }
