@@ -1,7 +1,7 @@
 #include "console/Arguments.h"
 
+#include "advice/Printable.h"
 #include "console/HelpText.h"
-#include "console/Printable.h"
 
 #include <CLI/CLI.hpp>
 

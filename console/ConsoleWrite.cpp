@@ -1,9 +1,9 @@
 #include "console/ConsoleWrite.h"
 
+#include "advice/FailureAdvice.h"
 #include "console/Arguments.h"
 #include "console/ConsoleOutput.h"
 #include "console/ConsoleProgress.h"
-#include "console/FailureAdvice.h"
 #include "console/Interrupt.h"
 #include "console/MainLoop.h"
 #include "console/StandardStreams.h"

@@ -13,7 +13,7 @@ problems=0
 bare_tree() {
     rm -rf "${tree:?}"/*
     local folder
-    for folder in app ui console sequence protocol serial serial/platform timing targetfile board; do
+    for folder in app ui console advice sequence protocol serial serial/platform timing targetfile board; do
         mkdir -p "$tree/$folder"
         echo "flashwriter_library(planted_${folder##*/})" >"$tree/$folder/CMakeLists.txt"
     done
@@ -51,9 +51,17 @@ plant sequence/Planted.cpp '#include "tests/unit/Helper.h"'
 plant sequence/Planted.cpp '#include "../ui/Planted.h"'
 plant sequence/Planted.cpp '#include "targetfile/NSTargetFile.h"' pass
 plant console/Planted.cpp '#include "app/AppDelegate.h"'
+plant console/Planted.cpp '#include "advice/FailureAdvice.h"' pass
+plant advice/Planted.cpp '#include "targetfile/FileFacts.h"' pass
+plant advice/Planted.cpp '#include "sequence/MainQueue.h"'
+plant advice/Planted.cpp '#include "console/ConsoleOutput.h"'
+plant advice/Planted.cpp '#include <QString>'
+plant sequence/Planted.cpp '#include "advice/FailureAdvice.h"'
 plant ui/Planted.cpp '#include "app/AppDelegate.h"'
 plant ui/Planted.cpp '#include "sequence/ProgressWindow.h"' pass
+plant ui/Planted.cpp '#include "advice/FailureAdvice.h"' pass
 plant app/Planted.cpp '#include "ui/ProgressWindowController.h"' pass
+plant app/Planted.cpp '#include "advice/FormAdvice.h"' pass
 plant app/Planted.cpp '#include "ui_MainWindow.h"' pass
 plant sequence/Planted.cpp '#include "ui_MainWindow.h"'
 plant board/Planted.cpp '#include "protocol/NSCommandProcessor.h"'

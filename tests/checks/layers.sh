@@ -15,8 +15,9 @@ allowed() {
     protocol | timing | targetfile) echo "$core" ;;
     serial | serial/platform) echo "$core serial serial/platform" ;;
     sequence) echo "$transport" ;;
-    console | ui) echo "$transport sequence" ;;
-    app) echo "$transport sequence ui" ;;
+    advice) echo "$core protocol serial serial/platform targetfile" ;;
+    console | ui) echo "$transport sequence advice" ;;
+    app) echo "$transport sequence advice ui" ;;
     board) echo "" ;;
     *) return 1 ;;
     esac
@@ -27,7 +28,8 @@ layer_of() {
     case $1 in
     sequence/context/*) echo sequence/context ;;
     serial/platform/*) echo serial/platform ;;
-    app/* | ui/* | console/* | sequence/* | protocol/* | serial/* | timing/* | targetfile/* | board/*)
+    app/* | ui/* | console/* | advice/* | sequence/* | protocol/* | serial/* | timing/* | targetfile/* \
+        | board/*)
         echo "${1%%/*}"
         ;;
     tests/* | bench/*) echo "${1%%/*}" ;;
@@ -93,7 +95,7 @@ check_links() { # <CMakeLists.txt> <folder>
 }
 
 files=0
-for top in app ui console sequence protocol serial timing targetfile board; do
+for top in app ui console advice sequence protocol serial timing targetfile board; do
     [[ -d $top ]] || continue
     while read -r file; do
         folder=$(layer_of "$file")

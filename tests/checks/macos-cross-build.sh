@@ -66,7 +66,7 @@ while IFS=$'\t' read -r product kind; do
 done <<<"$products"
 
 # A folder that the cross build leaves out would go unnoticed.
-for folder in sequence/context timing protocol targetfile serial sequence; do
+for folder in sequence/context timing protocol targetfile serial sequence advice; do
     name=libflashwriter_${folder##*/}.a
     if [[ -e $folder/CMakeLists.txt ]] && ! grep -q "^$folder/$name"$'\t' <<<"$products"; then
         problem "$folder is not part of the cross build"

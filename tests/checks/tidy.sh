@@ -35,7 +35,7 @@ while read -r source; do
 done < <(if (($# > 0)); then
     printf '%s\n' "$@"
 else
-    scripts/list-sources.sh app ui console sequence protocol serial timing targetfile board |
+    scripts/list-sources.sh app ui console advice sequence protocol serial timing targetfile board |
         grep -E '\.(c|cpp|mm)$'
 fi)
 if ((${#sources[@]} == 0)); then

@@ -1,7 +1,7 @@
 // Facts to build others on: a port and an image that are as they should be.
 #pragma once
 
-#include "console/FailureAdvice.h"
+#include "advice/FailureAdvice.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-#include "console/FailureAdvice.h"
+#include "advice/FailureAdvice.h"
 
-#include "console/AdviceParts.h"
-#include "console/Printable.h"
+#include "advice/AdviceParts.h"
+#include "advice/Printable.h"
 
 #include <array>
 #include <cstdio>
@@ -11,10 +11,10 @@ namespace flashwriter {
 namespace {
 
 std::string unknownAdvice(ResultCode result) {
-    std::array<char, 160> text{};
+    std::array<char, 192> text{};
     std::snprintf(text.data(), text.size(),
-                  "Result 0x%08llX has no explanation here: write again with 2>diagnostics.log and "
-                  "see what that file says.",
+                  "Result 0x%08llX has no explanation here: start the program with standard error "
+                  "going to a file, write again, and see what the diagnostics in it say.",
                   static_cast<unsigned long long>(result));
     return text.data();
 }

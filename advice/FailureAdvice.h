@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/FailureFacts.h"
+#include "advice/FailureFacts.h"
 #include "sequence/context/ContextInfo.h"
 
 #include <string>

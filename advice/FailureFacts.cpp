@@ -1,4 +1,4 @@
-#include "console/FailureFacts.h"
+#include "advice/FailureFacts.h"
 
 #include "serial/PortList.h"
 #include "targetfile/NSTargetFileForMot.h"

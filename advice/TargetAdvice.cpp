@@ -1,4 +1,4 @@
-#include "console/AdviceParts.h"
+#include "advice/AdviceParts.h"
 #include "protocol/Frames.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "console/Printable.h"
+#include "advice/Printable.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/unit/console/AdviceFixture.h"
+#include "tests/unit/advice/AdviceFixture.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 #include "protocol/Frames.h"
-#include "tests/unit/console/AdviceFixture.h"
+#include "tests/unit/advice/AdviceFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -131,7 +131,7 @@ TEST(TargetAdvice, EveryCodeHasASentenceOfItsOwn) {
 TEST(TargetAdvice, UnknownCodesSendToTheDiagnostics) {
     for (const ResultCode code : {ResultCode{1}, ResultCode{0x1003}, ResultCode{0x200E},
                                   ResultCode{0x3008}, ~ResultCode{0}}) {
-        EXPECT_THAT(advice(code, goodFacts()), HasSubstr("2>diagnostics.log"));
+        EXPECT_THAT(advice(code, goodFacts()), HasSubstr("see what the diagnostics in it say."));
     }
     EXPECT_THAT(advice(0x200E, goodFacts()), HasSubstr("Result 0x0000200E "));
 }

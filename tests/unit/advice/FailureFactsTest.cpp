@@ -1,4 +1,4 @@
-#include "console/FailureFacts.h"
+#include "advice/FailureFacts.h"
 
 #include "tests/support/Terminal.h"
 

@@ -2,7 +2,7 @@
 // codes of their own and give an empty text for every other.
 #pragma once
 
-#include "console/FailureFacts.h"
+#include "advice/FailureFacts.h"
 #include "sequence/context/ContextInfo.h"
 
 #include <string>
