@@ -6,11 +6,11 @@
 #include "console/ConsoleProgress.h"
 #include "console/Interrupt.h"
 #include "console/MainLoop.h"
-#include "console/StandardStreams.h"
 #include "sequence/NSSequenceProcessor.h"
 #include "sequence/NSSequenceProcessorForMot.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultMessage.h"
+#include "serial/StandardStreams.h"
 #include "targetfile/PathExtension.h"
 
 #include <unistd.h>

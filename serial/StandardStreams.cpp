@@ -1,4 +1,4 @@
-#include "console/StandardStreams.h"
+#include "serial/StandardStreams.h"
 
 #include <fcntl.h>
 #include <unistd.h>
