@@ -1,5 +1,7 @@
 #include "console/ProgressBar.h"
 
+#include "sequence/context/StageName.h"
+
 #include <algorithm>
 
 namespace flashwriter {
@@ -17,21 +19,6 @@ std::string bar(std::int32_t percentage, std::size_t cells) {
 }
 
 } // namespace
-
-const char* stageName(std::int32_t step) {
-    switch (step) {
-    case 100:
-        return "Reading file.";
-    case 101:
-        return "Changing to programming mode.";
-    case 102:
-        return "Erasing block data.";
-    case 103:
-        return "Writing data.";
-    default:
-        return "";
-    }
-}
 
 std::string progressBar(std::int32_t step, std::int32_t percentage, std::size_t columns) {
     const std::string number = std::to_string(percentage) + " %";

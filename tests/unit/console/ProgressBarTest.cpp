@@ -7,15 +7,6 @@
 namespace flashwriter {
 namespace {
 
-TEST(ProgressBar, NamesTheStages) {
-    EXPECT_STREQ(stageName(100), "Reading file.");
-    EXPECT_STREQ(stageName(101), "Changing to programming mode.");
-    EXPECT_STREQ(stageName(102), "Erasing block data.");
-    EXPECT_STREQ(stageName(103), "Writing data.");
-    EXPECT_STREQ(stageName(99), "");
-    EXPECT_STREQ(stageName(104), "");
-}
-
 TEST(ProgressBar, ShowsStagePercentageAndBar) {
     EXPECT_EQ(progressBar(103, 45, 79),
               "Writing data. (45 %) [" + std::string(18, '#') + std::string(22, ' ') + "]");
