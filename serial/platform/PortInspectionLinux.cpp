@@ -91,4 +91,9 @@ bool isOtherDevice(const std::string& path) {
     return !error && deviceClass.filename() != "tty";
 }
 
+// Adapters without a protocol of their own are ttyUSB, those of the modem class are ttyACM.
+std::vector<const char*> portListCommands() {
+    return {"/bin/ls /dev/cu.u*", "/bin/ls /dev/tty[AU][CS][BM]*"};
+}
+
 } // namespace flashwriter::platform

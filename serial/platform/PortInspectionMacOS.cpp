@@ -43,4 +43,8 @@ bool isOtherDevice(const std::string& /*path*/) {
     return false;
 }
 
+std::vector<const char*> portListCommands() {
+    return {"/bin/ls /dev/cu.u*"};
+}
+
 } // namespace flashwriter::platform
