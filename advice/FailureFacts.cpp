@@ -29,15 +29,20 @@ std::uint64_t codeSize(const std::string& path, const FileFacts& file, ResultCod
 } // namespace
 
 FailureFacts failureFacts(const _CONTEXTINFO& context) {
-    FailureFacts facts;
-    facts.portPath = context.PortName;
-    facts.port = portFacts(facts.portPath);
-    facts.ports = portList();
+    FailureFacts facts = portFailureFacts(context.PortName);
     facts.speedIndex = context.BaudRate;
     facts.filePath = context.TargetFileInfo.FilePath;
     facts.file = fileFacts(facts.filePath);
     facts.codeSize = codeSize(facts.filePath, facts.file, context.pResultInfo->Result);
     facts.codeFlashSize = codeFlashSize(context.SiliconSignature);
+    return facts;
+}
+
+FailureFacts portFailureFacts(const std::string& portPath) {
+    FailureFacts facts;
+    facts.portPath = portPath;
+    facts.port = portFacts(portPath);
+    facts.ports = portList();
     return facts;
 }
 

@@ -10,7 +10,8 @@
 
 namespace flashwriter {
 
-// What can be known, after a write has failed, about what it had to do with.
+// What can be known, after a write has failed or the monitor could not be opened, about what it had
+// to do with.
 struct FailureFacts {
     std::string portPath;
     PortFacts port;
@@ -26,5 +27,8 @@ struct FailureFacts {
 // Looks at the port and the file of a write that has ended with the result in its context's
 // pResultInfo. The answer is as old as the call: both may have changed since the failure.
 FailureFacts failureFacts(const _CONTEXTINFO& context);
+
+// Likewise, when no file had a part in the failure: looks at the port only.
+FailureFacts portFailureFacts(const std::string& portPath);
 
 } // namespace flashwriter

@@ -30,11 +30,15 @@ std::string changedAdvice(const FailureFacts& facts) {
     return facts.filePath + " was not as it is now when it was to be read: write again.";
 }
 
+std::string otherKindAdvice(const FailureFacts& facts) {
+    return facts.filePath + " ends neither in .bin nor in .mot: name a raw image .bin, and an "
+                            "S-record file .mot.";
+}
+
 std::string formatAdvice(const FailureFacts& facts) {
     switch (facts.file.kind) {
     case ImageKind::Other:
-        return facts.filePath + " ends neither in .bin nor in .mot: name a raw image .bin, and an "
-                                "S-record file .mot.";
+        return otherKindAdvice(facts);
     case ImageKind::Mot:
         return facts.filePath + " is no S-record file that can be written: it has a line that does "
                                 "not begin with S, a record with an impossible address or length, "
@@ -45,16 +49,16 @@ std::string formatAdvice(const FailureFacts& facts) {
     return "";
 }
 
+// What is wrong with the file's size; empty when nothing is, now. An S-record file may have any.
 std::string sizeAdvice(const FailureFacts& facts) {
     if (facts.file.size == 0) {
         return facts.filePath + " is empty: build it again.";
     }
-    if (facts.file.size > LARGEST_RAW_IMAGE) {
-        return facts.filePath + " has " + std::to_string(facts.file.size) +
-               " bytes, and a raw image has at most " + std::to_string(LARGEST_RAW_IMAGE) +
-               ": choose the image itself, or build it smaller.";
-    }
-    return changedAdvice(facts);
+    return facts.file.kind == ImageKind::Mot || facts.file.size <= LARGEST_RAW_IMAGE
+               ? ""
+               : facts.filePath + " has " + std::to_string(facts.file.size) +
+                     " bytes, and a raw image has at most " + std::to_string(LARGEST_RAW_IMAGE) +
+                     ": choose the image itself, or build it smaller.";
 }
 
 std::string readAdvice(const FailureFacts& facts) {
@@ -77,17 +81,22 @@ std::string tooLongAdvice(const FailureFacts& facts) {
 
 } // namespace
 
+std::string fileObstacle(const FailureFacts& facts) {
+    const bool isOther = facts.file.kind == ImageKind::Other;
+    return firstOf({unreadableAdvice(facts), isOther ? otherKindAdvice(facts) : sizeAdvice(facts)});
+}
+
 std::string fileAdvice(ResultCode result, const FailureFacts& facts) {
     const std::string unreadable = unreadableAdvice(facts);
     switch (result) {
     case RESULT_FILE_NOT_FOUND:
-        return unreadable.empty() ? changedAdvice(facts) : unreadable;
+        return firstOf({unreadable, changedAdvice(facts)});
     case RESULT_UNSUPPORTED_FORMAT:
         return formatAdvice(facts);
     case RESULT_FILE_SIZE_ERROR:
-        return unreadable.empty() ? sizeAdvice(facts) : unreadable;
+        return firstOf({unreadable, sizeAdvice(facts), changedAdvice(facts)});
     case RESULT_FILE_READ_FAILED:
-        return unreadable.empty() ? readAdvice(facts) : unreadable;
+        return firstOf({unreadable, readAdvice(facts)});
     case RESULT_CODE_FLASH_SIZE_ERROR:
         return tooLongAdvice(facts);
     case RESULT_DATA_FLASH_SIZE_ERROR:

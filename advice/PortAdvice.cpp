@@ -7,17 +7,6 @@ namespace flashwriter {
 
 namespace {
 
-std::string portsHere(const FailureFacts& facts) {
-    if (facts.ports.empty()) {
-        return "No USB-serial adapter is to be seen: plug it in.";
-    }
-    std::string text = "Ports here: ";
-    for (const std::string& port : facts.ports) {
-        text += (&port == &facts.ports.front() ? "" : ", ") + port;
-    }
-    return text + ".";
-}
-
 std::string refusedAdvice(const FailureFacts& facts) {
     const PortFacts& port = facts.port;
     const std::string ofGroup = facts.portPath + " belongs to group " + port.group;
@@ -34,16 +23,35 @@ std::string refusedAdvice(const FailureFacts& facts) {
            "rule.";
 }
 
-std::string permittedAdvice(const FailureFacts& facts) {
-    if (!facts.port.holders.empty()) {
-        return facts.portPath + " is held by " + holderNames(facts) + ": close it first.";
-    }
-    return facts.portPath + " is there and may be opened, but the system refuses: another user's "
-                            "program may hold it, or the adapter is stuck. Close that program, or "
-                            "plug the adapter in again.";
+std::string notChosenAdvice(const FailureFacts& facts) {
+    return "No port is chosen. " + portsHere(facts);
 }
 
 std::string openAdvice(const FailureFacts& facts) {
+    if (facts.portPath.empty()) {
+        return notChosenAdvice(facts);
+    }
+    return firstOf({portObstacle(facts),
+                    facts.portPath +
+                        " is there and may be opened, but the system refuses: another user's "
+                        "program may hold it, or the adapter is stuck. Close that program, or plug "
+                        "the adapter in again."});
+}
+
+} // namespace
+
+std::string portsHere(const FailureFacts& facts) {
+    if (facts.ports.empty()) {
+        return "No USB-serial adapter is to be seen: plug it in.";
+    }
+    std::string text = "Ports here: ";
+    for (const std::string& port : facts.ports) {
+        text += (&port == &facts.ports.front() ? "" : ", ") + port;
+    }
+    return text + ".";
+}
+
+std::string portObstacle(const FailureFacts& facts) {
     switch (facts.port.state) {
     case PortState::Missing:
         return "No such port: " + facts.portPath + ". " + portsHere(facts);
@@ -55,12 +63,16 @@ std::string openAdvice(const FailureFacts& facts) {
     case PortState::Refused:
         return refusedAdvice(facts);
     case PortState::Permitted:
-        return permittedAdvice(facts);
+        return facts.port.holders.empty()
+                   ? ""
+                   : facts.portPath + " is held by " + holderNames(facts) + ": close it first.";
     }
     return "";
 }
 
-} // namespace
+std::string goneAdvice(const FailureFacts& facts, const std::string& then) {
+    return facts.portPath + " has gone: the adapter came loose. Plug it in and " + then + ".";
+}
 
 std::string notPortAdvice(const FailureFacts& facts) {
     return facts.portPath + " is not a serial port. " + portsHere(facts);
@@ -84,7 +96,7 @@ std::string portAdvice(ResultCode result, const FailureFacts& facts) {
     case RESULT_PORT_INFO_FAILED:
         return "The system did not tell which serial ports it has. " + portsHere(facts);
     case RESULT_PORT_NOT_SELECTED:
-        return "No port is chosen. " + portsHere(facts);
+        return notChosenAdvice(facts);
     case RESULT_PORT_OPEN_ERROR:
         return openAdvice(facts);
     default:

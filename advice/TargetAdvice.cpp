@@ -43,7 +43,7 @@ std::string slower(const FailureFacts& facts) {
 // A port that went, or that somebody else reads too, explains whatever went wrong on it.
 std::string portTrouble(const FailureFacts& facts) {
     if (facts.port.state == PortState::Missing) {
-        return facts.portPath + " has gone: the adapter came loose. Plug it in and write again.";
+        return goneAdvice(facts, "write again");
     }
     if (facts.port.state == PortState::NotPort) {
         return notPortAdvice(facts);

@@ -15,6 +15,8 @@ inline constexpr ResultCode RESULT_OK = 0x0000;
 inline constexpr ResultCode RESULT_PORT_INFO_FAILED = 0x1000; // no operation returns it
 inline constexpr ResultCode RESULT_PORT_NOT_SELECTED = 0x1001;
 inline constexpr ResultCode RESULT_PORT_OPEN_ERROR = 0x1002;
+// No text of its own; only the serial monitor returns it.
+inline constexpr ResultCode RESULT_MONITOR_TIMER_FAILED = 0x1004;
 
 // 0x2xxx: the protocol and the target.
 inline constexpr ResultCode RESULT_INIT_FAILED = 0x2000;

@@ -1,5 +1,6 @@
 #include "advice/FailureFacts.h"
 
+#include "serial/PortList.h"
 #include "tests/support/Terminal.h"
 
 #include <gtest/gtest.h>
@@ -44,6 +45,15 @@ TEST_F(FailureFactsTest, DescribeThePortAndTheFileOfTheContext) {
     EXPECT_EQ(facts.file.state, FileState::Readable);
     EXPECT_EQ(facts.file.size, 5U);
     EXPECT_EQ(facts.codeFlashSize, 0U);
+}
+
+TEST_F(FailureFactsTest, DescribeAPortWithoutAFile) {
+    const testing::Terminal port;
+    const FailureFacts facts = portFailureFacts(port.path());
+    EXPECT_EQ(facts.portPath, port.path());
+    EXPECT_EQ(facts.port.state, PortState::Permitted);
+    EXPECT_EQ(facts.ports, portList());
+    EXPECT_EQ(facts.filePath, "");
 }
 
 TEST_F(FailureFactsTest, KnowTheBoardsCodeFlashFromItsSignature) {

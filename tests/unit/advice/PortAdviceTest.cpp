@@ -24,6 +24,13 @@ TEST(PortAdvice, AMissingPortIsNamedBesideThoseThereAre) {
               "No such port: /dev/ttyUSB7. No USB-serial adapter is to be seen: plug it in.");
 }
 
+TEST(PortAdvice, NoPathIsNoPortThatWasChosen) {
+    FailureFacts facts = goodFacts();
+    facts.portPath = "";
+    facts.port = {};
+    EXPECT_EQ(openAdvice(facts), "No port is chosen. Ports here: /dev/ttyACM0, /dev/ttyUSB0.");
+}
+
 TEST(PortAdvice, APathThatMayNotBeFollowedSaysWhy) {
     FailureFacts facts = goodFacts();
     facts.port.state = PortState::Hidden;

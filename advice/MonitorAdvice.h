@@ -1,0 +1,15 @@
+#pragma once
+
+#include "advice/FailureFacts.h"
+#include "sequence/context/ResultCode.h"
+
+#include <string>
+
+namespace flashwriter {
+
+// Why the serial monitor could not be opened and what to do about it, as failureAdvice(). speedText
+// is the speed as it was typed; the facts are those of portFailureFacts(). Empty for RESULT_OK.
+std::string monitorAdvice(ResultCode result, const std::string& speedText,
+                          const FailureFacts& facts);
+
+} // namespace flashwriter
