@@ -1,0 +1,40 @@
+#include "ui/KeyPositions.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+
+#include <array>
+
+namespace flashwriter {
+
+namespace {
+
+struct KeyCode {
+    KeyPosition position;
+    quint32 cocoa;    // virtual key code of macOS
+    quint32 scanCode; // X11's, which is the kernel's plus 8; Wayland's is given in the same way
+};
+
+constexpr std::array<KeyCode, 5> CODES{{{KeyPosition::A, 0, 38},
+                                        {KeyPosition::Z, 6, 52},
+                                        {KeyPosition::X, 7, 53},
+                                        {KeyPosition::C, 8, 54},
+                                        {KeyPosition::V, 9, 55}}};
+
+} // namespace
+
+KeyPosition keyPosition(const QKeyEvent& event, bool isCocoa) {
+    for (const KeyCode& code : CODES) {
+        if (isCocoa ? code.cocoa == event.nativeVirtualKey()
+                    : code.scanCode == event.nativeScanCode()) {
+            return code.position;
+        }
+    }
+    return KeyPosition::Other;
+}
+
+KeyPosition keyPosition(const QKeyEvent& event) {
+    return keyPosition(event, QGuiApplication::platformName() == "cocoa");
+}
+
+} // namespace flashwriter

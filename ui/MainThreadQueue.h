@@ -1,0 +1,37 @@
+#pragma once
+
+#include "sequence/MainQueue.h"
+
+#include <functional>
+#include <memory>
+
+namespace flashwriter {
+
+// The main thread's event loop as a queue of tasks: what other threads hand over runs there, one
+// task after another in the order in which they came. A task that opens a modal window holds up
+// nothing: those behind it run in that window's loop.
+//
+// Made and destroyed on the main thread. Tasks that have not run by then are dropped, and so are
+// those that come later: a queue() may outlive this object.
+class MainThreadQueue {
+public:
+    MainThreadQueue();
+    ~MainThreadQueue();
+    MainThreadQueue(const MainThreadQueue&) = delete;
+    MainThreadQueue& operator=(const MainThreadQueue&) = delete;
+
+    // What a driver takes. Any thread may call it.
+    MainQueue queue() const;
+
+    // Any thread: runs the task before it returns when that is the main thread, queues it
+    // otherwise.
+    void run(std::function<void()> task) const;
+
+private:
+    class Receiver;
+    struct Tasks;
+    std::shared_ptr<Tasks> m_tasks;
+    std::unique_ptr<Receiver> m_receiver;
+};
+
+} // namespace flashwriter

@@ -1,0 +1,144 @@
+#include "ui/NSFileDropTextField.h"
+
+#include "targetfile/PathExtension.h"
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QPainter>
+#include <QSysInfo>
+#include <QUrl>
+
+namespace flashwriter {
+
+namespace {
+
+constexpr qreal FRAME_WIDTH = 5.0;
+
+// Some file managers name the machine in the address of a file.
+bool isOfThisMachine(const QUrl& url) {
+    return url.host().isEmpty() || url.host() == "localhost" ||
+           url.host().compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
+}
+
+QString pathOf(const QUrl& url) {
+    return url.scheme() == "file" && isOfThisMachine(url) ? url.path(QUrl::FullyDecoded)
+                                                          : url.toString();
+}
+
+bool isImageName(const QString& path) {
+    const std::string name = path.toStdString();
+    return hasPathExtension(name, "bin") || hasPathExtension(name, "mot");
+}
+
+} // namespace
+
+NSFileDropTextField::NSFileDropTextField(QWidget* parent) : QLineEdit(parent) {
+    awakeFromNib();
+}
+
+void NSFileDropTextField::awakeFromNib() {
+    setAcceptDrops(true);
+    m_isDragging = false;
+}
+
+QStringList NSFileDropTextField::fileListInDraggingInfo(const QMimeData& dragging) {
+    QStringList paths;
+    for (const QUrl& url : dragging.urls()) {
+        paths.append(pathOf(url));
+    }
+    return paths;
+}
+
+bool NSFileDropTextField::acceptableObject(const QMimeData& dragging) {
+    const QStringList paths = fileListInDraggingInfo(dragging);
+    if (paths.size() != 1) {
+        return false;
+    }
+    const QFileInfo file(paths.front());
+    return file.exists() && !file.isDir();
+}
+
+// Disabling takes the keyboard's focus away; who was typing there goes on typing there.
+void NSFileDropTextField::setInDragging(bool dragging) {
+    if (dragging && !m_isDragging) {
+        m_hadFocus = hasFocus();
+    }
+    const bool hasEnded = !dragging && m_isDragging;
+    m_isDragging = dragging;
+    setEnabled(!dragging);
+    if (hasEnded && m_hadFocus) {
+        setFocus();
+    }
+    update();
+}
+
+DragOperation NSFileDropTextField::draggingEntered(const QMimeData& /*dragging*/) {
+    setInDragging(true);
+    return DragOperation::Generic;
+}
+
+DragOperation NSFileDropTextField::draggingUpdated(const QMimeData& /*dragging*/) {
+    return DragOperation::Generic;
+}
+
+void NSFileDropTextField::draggingExited() {
+    setInDragging(false);
+}
+
+bool NSFileDropTextField::performDragOperation(const QMimeData& dragging) {
+    setInDragging(false);
+    if (!acceptableObject(dragging)) {
+        return false;
+    }
+    const QString path = fileListInDraggingInfo(dragging).front();
+    if (!isImageName(path)) {
+        return false;
+    }
+    setText(path);
+    return true;
+}
+
+void NSFileDropTextField::concludeDragOperation() {
+    setInDragging(false);
+}
+
+void NSFileDropTextField::dragEnterEvent(QDragEnterEvent* event) {
+    draggingEntered(*event->mimeData());
+    event->setDropAction(Qt::CopyAction); // the file itself stays where it is
+    event->accept();
+}
+
+void NSFileDropTextField::dragMoveEvent(QDragMoveEvent* event) {
+    draggingUpdated(*event->mimeData());
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void NSFileDropTextField::dragLeaveEvent(QDragLeaveEvent* event) {
+    draggingExited();
+    event->accept();
+}
+
+void NSFileDropTextField::dropEvent(QDropEvent* event) {
+    const bool isTaken = performDragOperation(*event->mimeData());
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(isTaken);
+    concludeDragOperation();
+}
+
+void NSFileDropTextField::paintEvent(QPaintEvent* event) {
+    QLineEdit::paintEvent(event);
+    if (!m_isDragging) {
+        return;
+    }
+    constexpr qreal HALF = FRAME_WIDTH / 2; // a pen draws to both sides of its line
+    QPainter painter(this);
+    // The line is disabled now; the colour is that of a selection in use.
+    QPen pen(palette().color(QPalette::Active, QPalette::Highlight), FRAME_WIDTH);
+    pen.setJoinStyle(Qt::MiterJoin);
+    painter.setPen(pen);
+    painter.drawRect(QRectF(rect()).adjusted(HALF, HALF, -HALF, -HALF));
+}
+
+} // namespace flashwriter

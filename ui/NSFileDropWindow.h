@@ -1,0 +1,46 @@
+#pragma once
+
+#include "ui/NSFileDropTextField.h"
+
+#include <QMainWindow>
+#include <QPointer>
+
+namespace flashwriter {
+
+// The main window: knows the field that dropped files are meant for and takes none itself; presses
+// its default button on Return; can be neither closed nor minimised while a sheet is up. Main
+// thread.
+class NSFileDropWindow : public QMainWindow {
+public:
+    explicit NSFileDropWindow(QWidget* parent = nullptr);
+
+    // Borrowed. Set once, at the start.
+    void setTrgetTextField(NSFileDropTextField* field);
+
+    // The answer to a drag over the window: always none. The field is disabled and enabled on the
+    // way, so it is enabled afterwards.
+    DragOperation draggingEntered(const QMimeData& dragging);
+
+    // The button that minimises the window.
+    void setMiniaturizeEnabled(bool enabled);
+    bool isMiniaturizeEnabled() const { return m_isMiniaturizeEnabled; }
+
+    // See SheetWindow, which calls it.
+    void setSheetUp(bool isUp) { m_isSheetUp = isUp; }
+    bool isSheetUp() const { return m_isSheetUp; }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void awakeFromNib();
+
+    QPointer<NSFileDropTextField> m_trgetTextField;
+    bool m_isMiniaturizeEnabled = true;
+    bool m_isSheetUp = false;
+};
+
+} // namespace flashwriter

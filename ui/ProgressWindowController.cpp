@@ -1,0 +1,78 @@
+#include "ui/ProgressWindowController.h"
+
+#include "advice/FailureAdvice.h"
+#include "advice/FailureFacts.h"
+#include "sequence/context/DiagnosticLog.h"
+#include "sequence/context/StageName.h"
+#include "ui/AnnouncedText.h"
+#include "ui/NSFileDropWindow.h"
+#include "ui_ProgressWindowController.h"
+
+namespace flashwriter {
+
+ProgressWindowController::ProgressWindowController(const MainThreadQueue& mainThread)
+    : m_mainThread(mainThread), m_resultWindow(mainThread) {}
+
+ProgressWindowController::~ProgressWindowController() {
+    delete m_window.data();
+}
+
+void ProgressWindowController::setMainWindow(NSFileDropWindow* mainWindow) {
+    m_mainWindow = mainWindow;
+}
+
+void ProgressWindowController::beginSheet() {
+    if (m_window.isNull()) {
+        loadWindow();
+    }
+    showProgress(QString(), 0);
+    if (!m_mainWindow.isNull()) {
+        m_window->beginSheet(*m_mainWindow);
+    }
+}
+
+void ProgressWindowController::loadWindow() {
+    m_window = new SheetWindow;
+    Ui::ProgressWindowController controls;
+    controls.setupUi(m_window);
+    progressLabel = controls.progressLabel;
+    progressBar = controls.progressBar;
+}
+
+std::uint64_t ProgressWindowController::UpdateProgress(std::int32_t step,
+                                                       std::int32_t andProgress) {
+    const QString text = QString("%1 (%2 %)").arg(stageName(step)).arg(andProgress);
+    m_mainThread.run([this, text, andProgress] { showProgress(text, andProgress); });
+    return 0;
+}
+
+void ProgressWindowController::showProgress(const QString& text, int percentage) {
+    if (!m_window.isNull()) {
+        setAnnouncedText(*progressLabel, text);
+        progressBar->setValue(percentage);
+    }
+}
+
+// Port and file are looked at here, on the thread of the write: a file on a disk that has gone
+// could keep the windows waiting.
+std::uint64_t ProgressWindowController::setResult(_CONTEXTINFO context) {
+    m_resultWindow.setAdvice(failureAdvice(*context.pResultInfo, failureFacts(context)));
+    return m_resultWindow.setResult(context);
+}
+
+void ProgressWindowController::close() {
+    windowWillClose(m_window);
+}
+
+void ProgressWindowController::windowWillClose(const QObject* /*notification*/) {
+    m_resultWindow.runModal(m_mainWindow);
+    if (!m_mainWindow.isNull()) {
+        m_mainWindow->setMiniaturizeEnabled(true);
+    }
+    if (!m_window.isNull()) {
+        m_window->endSheet();
+    }
+    diagnosticLog("Progresswindow closed!!");
+}
+
+} // namespace flashwriter
