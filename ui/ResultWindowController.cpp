@@ -5,6 +5,7 @@
 #include "ui/AnnouncedText.h"
 #include "ui_ResultWindowController.h"
 
+#include <QGuiApplication>
 #include <QStyle>
 
 namespace flashwriter {
@@ -43,6 +44,11 @@ void ResultWindowController::runModal(QWidget* mainWindow) {
     window.makeCenteringPoint(mainWindow != nullptr ? QRectF(mainWindow->frameGeometry())
                                                     : QRectF());
     window.exec();
+    // Some window managers leave the focus with nobody. Who has gone to another program stays
+    // there.
+    if (mainWindow != nullptr && QGuiApplication::applicationState() == Qt::ApplicationActive) {
+        mainWindow->activateWindow();
+    }
 }
 
 void ResultWindowController::pushOK(const QObject* /*sender*/) {

@@ -3,13 +3,15 @@
 #include "ui/NSFileDropWindow.h"
 
 #include <QCloseEvent>
+#include <QPainter>
 
 namespace flashwriter {
 
 namespace {
 
-// A sheet on systems that have them; elsewhere a dialog with a title and no buttons in it.
-constexpr Qt::WindowFlags SHEET = Qt::Sheet | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
+// A sheet on systems that have them; elsewhere a dialog without a title bar, which no window
+// manager gives a close button.
+constexpr Qt::WindowFlags SHEET = Qt::Sheet | Qt::FramelessWindowHint;
 
 } // namespace
 
@@ -37,6 +39,14 @@ void SheetWindow::endSheet() {
 }
 
 void SheetWindow::reject() {}
+
+// Its own edge, as there is no frame around it.
+void SheetWindow::paintEvent(QPaintEvent* event) {
+    QDialog::paintEvent(event);
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Shadow));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
 
 void SheetWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
