@@ -1,0 +1,182 @@
+// The serial monitor: opening, reading, closing.
+#include "advice/FailureFacts.h"
+#include "advice/MonitorAdvice.h"
+#include "advice/MonitorSpeed.h"
+#include "app/AppDelegate.h"
+#include "sequence/context/DiagnosticLog.h"
+#include "sequence/context/ResultText.h"
+#include "serial/StandardStreams.h"
+#include "ui/LogText.h"
+#include "ui/NSFileDropTextField.h"
+#include "ui/NSFileDropWindow.h"
+#include "ui/NSNonMenuTextView.h"
+
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QPushButton>
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <initializer_list>
+#include <string>
+#include <thread>
+
+namespace flashwriter {
+
+namespace {
+
+constexpr int LOG_LIMIT = 65536;          // characters that the monitor leaves in the log view
+constexpr std::size_t CHUNK_SIZE = 65536; // bytes that one tick takes at most
+constexpr std::chrono::milliseconds TICK{50};
+constexpr std::chrono::milliseconds READING_PAUSE{100};
+
+// Opening keeps the main thread busy: the person sees that something is being done.
+class BusyCursor {
+public:
+    BusyCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyCursor() { QGuiApplication::restoreOverrideCursor(); }
+    BusyCursor(const BusyCursor&) = delete;
+    BusyCursor& operator=(const BusyCursor&) = delete;
+};
+
+} // namespace
+
+// A transport that has never been opened closes descriptor 0 when it is closed, and the monitor's
+// is closed by every write, opened or not. That is done here once, while descriptor 0 is still
+// standard input, and its place is taken again: later on it might be anybody's.
+void AppDelegate::createMonitorPort() {
+    m_MonitorComPort = std::make_unique<NSSerialPortProcessor>();
+    m_MonitorComPort->Close();
+    secureStandardStreams();
+}
+
+void AppDelegate::pushMonitorOpen(const QObject* /*sender*/) {
+    if (m_isMonitorOpen) {
+        MonitorPortClose();
+        return;
+    }
+    m_isInvertDTR = false;
+    {
+        const BusyCursor busy;
+        m_statusLine->hold("Asking the board…");
+        DtrCheck();
+    }
+    MonitorPortOpen();
+}
+
+void AppDelegate::MonitorPortOpen() {
+    const ResultCode result = openMonitor();
+    if (result == RESULT_OK) {
+        clearLogText(*logDispTextView);
+        SetControlEnabledModeMonitor(false);
+        m_isMonitorOpen = true;
+        m_statusLine->hold("The serial monitor is open. Close it to write.");
+        return;
+    }
+    MonitorPortClose();
+    showMonitorError(result);
+}
+
+ResultCode AppDelegate::openMonitor() {
+    const auto speed = monitorSpeed(monitorBaudRateComboBox->currentText().toStdString());
+    if (!speed) {
+        return RESULT_BAUD_RATE_CHANGE_FAILED;
+    }
+    ResultCode result = openMonitorPort(*speed);
+    if (result == RESULT_OK) {
+        waitUntilReading();
+        result = driveDtr(!m_isInvertDTR);
+    }
+    return result == RESULT_OK ? MonitorTimerStart() : result;
+}
+
+ResultCode AppDelegate::openMonitorPort(std::uint64_t speed) {
+    if (isPortMissing()) {
+        return RESULT_PORT_NOT_SELECTED;
+    }
+    char name[260] = {};
+    const ResultCode result = portName(name);
+    if (result != RESULT_OK) {
+        addLogDispTextView(getResultText(static_cast<std::int64_t>(result)));
+        return result;
+    }
+    m_MonitorComPort->ClearReceiveBuffer();
+    m_monitorText.reset();
+    return m_MonitorComPort->OpenForMonitor(name, speed);
+}
+
+ResultCode AppDelegate::portName(char (&name)[260]) {
+    return storePath(name, serialPortComboBox->currentText().toStdString());
+}
+
+void AppDelegate::waitUntilReading() const {
+    while (!m_MonitorComPort->IsReading()) {
+        std::this_thread::sleep_for(READING_PAUSE);
+    }
+}
+
+ResultCode AppDelegate::driveDtr(bool on) {
+    return on ? m_MonitorComPort->SetDtr() : m_MonitorComPort->ClearDtr();
+}
+
+void AppDelegate::showMonitorError(ResultCode result) {
+    _RESULTINFO outcome{};
+    outcome.Result = result;
+    _CONTEXTINFO context{};
+    context.pResultInfo = &outcome;
+    const std::string speed = monitorBaudRateComboBox->currentText().toStdString();
+    const std::string port = serialPortComboBox->currentText().toStdString();
+    ResultWindowController controller(m_mainThread);
+    controller.setAdvice(monitorAdvice(result, speed, portFailureFacts(port)));
+    controller.setResult(context);
+    controller.runModal(window);
+}
+
+void AppDelegate::MonitorPortClose() {
+    if (m_isMonitorOpen) {
+        driveDtr(m_isInvertDTR);
+    }
+    m_isMonitorOpen = false;
+    MonitorTimerStop();
+    m_MonitorComPort->Close();
+    SetControlEnabledModeMonitor(true);
+    m_statusLine->hold("");
+}
+
+ResultCode AppDelegate::MonitorTimerStart() {
+    MonitorTimerStop();
+    m_MonitorTimer = std::make_unique<QTimer>();
+    m_MonitorTimer->setTimerType(Qt::PreciseTimer);
+    QObject::connect(m_MonitorTimer.get(), &QTimer::timeout, m_MonitorTimer.get(),
+                     [this] { MonitorTimeProc(m_MonitorTimer.get()); });
+    m_MonitorTimer->start(TICK);
+    MonitorTimeProc(m_MonitorTimer.get());
+    return m_MonitorTimer->isActive() ? RESULT_OK : RESULT_MONITOR_TIMER_FAILED;
+}
+
+void AppDelegate::MonitorTimerStop() {
+    m_MonitorTimer.reset();
+}
+
+void AppDelegate::MonitorTimeProc(const QTimer* /*timer*/) {
+    std::array<std::uint8_t, CHUNK_SIZE> chunk{};
+    const std::uint64_t waiting = m_MonitorComPort->GetReceiveDataLength();
+    const std::uint64_t count = m_MonitorComPort->GetReceivedData(
+        chunk.data(), chunk.size(), std::min<std::uint64_t>(waiting, chunk.size()));
+    if (count != 0) {
+        appendLogText(*logDispTextView, m_monitorText.decode(chunk.data(), count), LOG_LIMIT);
+    }
+}
+
+void AppDelegate::SetControlEnabledModeMonitor(bool enabled) {
+    for (QWidget* control : std::initializer_list<QWidget*>{
+             serialPortComboBox, updateButton, baudRateComboBox, filePathTextField, selectButton,
+             writeButton, monitorBaudRateComboBox}) {
+        control->setEnabled(enabled);
+    }
+    monitorOpenButton->setText(enabled ? "Open" : "Close");
+}
+
+} // namespace flashwriter

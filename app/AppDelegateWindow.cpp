@@ -1,0 +1,98 @@
+// The main window: its controls, and what they are connected to.
+#include "app/AppDelegate.h"
+#include "ui/NSFileDropWindow.h"
+#include "ui/NSNonMenuTextView.h"
+#include "ui_MainWindow.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QShortcut>
+#include <QTimer>
+
+namespace flashwriter {
+
+namespace {
+
+// A text that is typed is no item of the list, whatever item was chosen before it.
+void forgetItemWhenTyped(QComboBox& comboBox) {
+    QLineEdit& field = *comboBox.lineEdit();
+    QObject::connect(&field, &QLineEdit::textEdited, &comboBox, [&](const QString& text) {
+        const int cursor = field.cursorPosition();
+        comboBox.setCurrentIndex(-1);
+        comboBox.setEditText(text);
+        field.setCursorPosition(cursor);
+    });
+}
+
+void prepareField(QComboBox& comboBox) {
+    comboBox.setCompleter(nullptr);             // a text stays as it is typed
+    comboBox.lineEdit()->setAcceptDrops(false); // files are dropped on the field that is for them
+    comboBox.lineEdit()->setAccessibleDescription(comboBox.accessibleDescription());
+}
+
+void showAbout(QWidget* window) {
+    QMessageBox::about(window, "About Flash Writer",
+                       QString("Flash Writer %1\n\nWrites firmware into a microcontroller board "
+                               "over a USB-serial adapter.")
+                           .arg(QCoreApplication::applicationVersion()));
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(NSFileDropWindow& mainWindow) : window(&mainWindow) {
+    Ui::MainWindow controls;
+    controls.setupUi(window);
+    serialPortComboBox = controls.serialPortComboBox;
+    baudRateComboBox = controls.baudRateComboBox;
+    filePathTextField = controls.filePathTextField;
+    logDispTextView = controls.logDispTextView;
+    monitorBaudRateComboBox = controls.monitorBaudRateComboBox;
+    monitorOpenButton = controls.monitorOpenButton;
+    updateButton = controls.updateButton;
+    selectButton = controls.selectButton;
+    writeButton = controls.writeButton;
+    for (QComboBox* comboBox : {serialPortComboBox, baudRateComboBox, monitorBaudRateComboBox}) {
+        prepareField(*comboBox);
+    }
+    forgetItemWhenTyped(*baudRateComboBox);
+    logDispTextView->setAcceptDrops(false);
+    logDispTextView->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QObject::connect(controls.quitAction, &QAction::triggered, window, [this] { window->close(); });
+    QObject::connect(controls.aboutAction, &QAction::triggered, window,
+                     [this] { showAbout(window); });
+    connectControls();
+    connectStatusLine(*controls.statusLabel);
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::connectControls() {
+    const auto connect = [this](QPushButton* button, void (AppDelegate::*push)(const QObject*)) {
+        QObject::connect(button, &QPushButton::clicked, window,
+                         [this, button, push] { (this->*push)(button); });
+    };
+    connect(updateButton, &AppDelegate::pushUpdating);
+    connect(selectButton, &AppDelegate::pushSelect);
+    connect(writeButton, &AppDelegate::pushWrite);
+    connect(monitorOpenButton, &AppDelegate::pushMonitorOpen);
+    // The button's title changes, and leaves no room for a mnemonic.
+    auto* open = new QShortcut(QKeySequence("Alt+O"), window);
+    QObject::connect(open, &QShortcut::activated, monitorOpenButton, &QPushButton::click);
+}
+
+void AppDelegate::connectStatusLine(QLabel& label) {
+    m_statusLine = std::make_unique<StatusLine>(label, m_mainThread, [this] {
+        return FormEntries{.port = serialPortComboBox->currentText().toStdString(),
+                           .isSpeedChosen = baudRateComboBox->currentIndex() >= 0,
+                           .file = filePathTextField->text().toStdString()};
+    });
+    const auto refresh = [this] { m_statusLine->refresh(); };
+    QObject::connect(serialPortComboBox, &QComboBox::currentTextChanged, window, refresh);
+    QObject::connect(baudRateComboBox, &QComboBox::currentTextChanged, window, refresh);
+    QObject::connect(filePathTextField, &QLineEdit::textChanged, window, refresh);
+    // Whoever comes back from another program may have changed something there.
+    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, window, refresh);
+}
+
+} // namespace flashwriter

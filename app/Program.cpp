@@ -1,0 +1,63 @@
+#include "app/Program.h"
+
+#include "app/AppDelegate.h"
+#include "sequence/context/DiagnosticLog.h"
+#include "serial/StandardStreams.h"
+#include "ui/NSFileDropWindow.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLoggingCategory>
+#include <QSettings>
+
+#include <algorithm>
+
+namespace flashwriter {
+
+namespace {
+
+Q_LOGGING_CATEGORY(diagnostics, "flashwriter")
+
+void logToQt(const char* text) {
+    qCInfo(diagnostics, "%s", text);
+}
+
+// The toolkit's file dialog would keep what it was last used for in a file of the person's.
+void keepNoSettings() {
+    for (const auto format : {QSettings::NativeFormat, QSettings::IniFormat}) {
+        QSettings::setPath(format, QSettings::UserScope, "/dev/null");
+    }
+}
+
+void nameProgram() {
+    QCoreApplication::setApplicationName("Flash Writer");
+    QCoreApplication::setApplicationVersion(FLASHWRITER_VERSION);
+    QGuiApplication::setDesktopFileName("arpa.home.flashwriter");
+}
+
+} // namespace
+
+int runProgram(int argc, char** argv) {
+    secureStandardStreams();
+    setDiagnosticSink(logToQt);
+    keepNoSettings();
+    int nameOnly = std::min(argc, 1);
+    QApplication application(nameOnly, argv);
+    nameProgram();
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    NSFileDropWindow mainWindow;
+    AppDelegate delegate(mainWindow);
+    QObject::connect(&application, &QGuiApplication::lastWindowClosed, &mainWindow, [&] {
+        if (delegate.applicationShouldTerminateAfterLastWindowClosed(&application)) {
+            QCoreApplication::quit();
+        }
+    });
+    delegate.applicationDidFinishLaunching(&application);
+    mainWindow.show();
+    const int status = QApplication::exec();
+    setDiagnosticSink(nullptr);
+    return status;
+}
+
+} // namespace flashwriter
