@@ -64,7 +64,7 @@ FormFacts formFacts(const std::string& portText, bool speedChosen, const std::st
     facts.ports = portList();
     facts.speedChosen = speedChosen;
     facts.filePath = fileText;
-    facts.file = fileFacts(fileText);
+    facts.file = fileText.empty() ? FileFacts{} : fileFacts(fileText);
     return facts;
 }
 
