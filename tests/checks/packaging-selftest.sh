@@ -104,5 +104,5 @@ plant_rule 's/ 1| 2/*/' 'may be a modem'
 plant_rule 's/ 1| 2/*[12]/' 'large modem'
 rename_rule 50-flash-writer.rules 'open to the person: yes, link: /dev/cu.usbserial-ttyUSB0'
 rename_rule 75-flash-writer.rules 'open to the person: no'
-rename_rule 70-flash-writer.rule 'does not read'
+rename_rule 70-flash-writer.conf 'does not read'
 ((problems == 0))

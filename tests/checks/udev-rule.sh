@@ -73,6 +73,8 @@ other_port() {
 # Runs udev's rules for the port and leaves in $said what udev says.
 run_rules() {
     mkdir -p "$work/rules"
+    # An empty file in place of the installed rule, should the machine have it.
+    touch "$work/rules/70-flash-writer.rules"
     cp "$rule" "$work/rules/"
     # The script's variables are the inner shell's arguments.
     # shellcheck disable=SC2016
