@@ -62,3 +62,17 @@ function(flashwriter_test name)
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
                        PROPERTIES ${ARG_PROPERTIES})
 endfunction()
+
+# flashwriter_qt_test(<name> SOURCES <file>... [DEPENDS <target>...] [PROPERTIES <name> <value>...])
+# A Qt Test program, which is one test of the suite. It draws into memory: no display is needed.
+function(flashwriter_qt_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PROPERTIES" ${ARGN})
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Test Widgets)
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} Qt6::Test Qt6::Widgets)
+  flashwriter_configure_test(${name})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FORCE_STDERR_LOGGING=1" ${ARG_PROPERTIES})
+endfunction()

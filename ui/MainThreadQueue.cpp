@@ -1,5 +1,6 @@
 #include "ui/MainThreadQueue.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
@@ -43,7 +44,10 @@ public:
         if (event->type() != QEvent::User) {
             return QObject::event(event);
         }
-        m_tasks->take()();
+        const auto task = m_tasks->take();
+        // Should the task open a loop, that one would sleep on events that are there already.
+        thread()->eventDispatcher()->wakeUp();
+        task();
         return true;
     }
 
