@@ -29,6 +29,15 @@ void keepNoSettings() {
     }
 }
 
+QIcon programIcon() {
+    QIcon icon;
+    for (const char* picture :
+         {":/icons/16.png", ":/icons/32.png", ":/icons/48.png", ":/icons/128.png"}) {
+        icon.addFile(picture);
+    }
+    return icon;
+}
+
 void nameProgram() {
     QCoreApplication::setApplicationName("Flash Writer");
     QCoreApplication::setApplicationVersion(FLASHWRITER_VERSION);
@@ -44,6 +53,7 @@ int runProgram(int argc, char** argv) {
     int nameOnly = std::min(argc, 1);
     QApplication application(nameOnly, argv);
     nameProgram();
+    QGuiApplication::setWindowIcon(programIcon());
     QApplication::setQuitOnLastWindowClosed(false);
 
     NSFileDropWindow mainWindow;

@@ -11,7 +11,7 @@ public:
     explicit NSNonMenuTextView(QWidget* parent = nullptr);
 
     // Does nothing: no menu, and the selection stays.
-    void rightMouseDown(QMouseEvent* event);
+    static void rightMouseDown(QMouseEvent* event);
 
     // Whether a key press with Control (Command on macOS) was one of the shortcuts for select all,
     // undo, cut, copy and paste, had something to work on, and is done now. It works on the text

@@ -49,7 +49,7 @@ public:
 private:
     void loadWindow();
     void windowDidLoad();
-    void windowWillClose(const QObject* notification);
+    static void windowWillClose(const QObject* notification);
     void showMessage();
 
     const MainThreadQueue& m_mainThread;
