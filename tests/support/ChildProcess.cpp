@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -45,6 +46,7 @@ std::string endingAtOnce() {
 
 [[noreturn]] void become(const Start& start) {
     ::setsid();
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (start.terminal != -1) {
         ::ioctl(start.terminal, TIOCSCTTY, 0);
     }
@@ -62,6 +64,15 @@ std::string endingAtOnce() {
     }
     ::execve(start.arguments.front(), start.arguments.data(), start.environment.data());
     ::_exit(127);
+}
+
+int openFile(const std::string& path) {
+    const int descriptor =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
+    if (descriptor == -1) {
+        throw std::system_error(errno, std::generic_category(), path);
+    }
+    return descriptor;
 }
 
 void closeIfOpen(int& descriptor) {
@@ -112,7 +123,9 @@ ChildProcess::ChildProcess(const ChildOptions& options) {
         input = m_terminal ? m_terminal->slave() : ::open("/dev/null", O_RDONLY | O_CLOEXEC);
     }
     start.descriptors = {input, openEnd(options.output, m_output, m_terminal.get()),
-                         openEnd(options.error, m_error, m_terminal.get())};
+                         options.errorFile.empty()
+                             ? openEnd(options.error, m_error, m_terminal.get())
+                             : openFile(options.errorFile)};
     m_pid = ::fork();
     if (m_pid == 0) {
         become(start);

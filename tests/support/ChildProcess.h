@@ -26,13 +26,15 @@ struct ChildOptions {
     std::vector<std::string> environment; // NAME=value, on top of what this process has
     ChildStream output = ChildStream::Pipe;
     ChildStream error = ChildStream::Pipe;
+    std::string errorFile; // standard error goes to this file instead: for who says much, and long
     unsigned short columns = 80; // the terminal's width
     bool closedInput = false;    // otherwise standard input is the terminal, or else /dev/null
 };
 
 // A child process in a session of its own, with default signal handling. Whatever is still running
-// when the object ends is killed; nothing outlives it. The child's streams are drained only inside
-// waitFor() and wait().
+// when the object ends is killed; nothing outlives it, nor this process, whatever ends that: so the
+// thread that starts a child has to live as long as the child. The child's streams are drained only
+// inside waitFor() and wait().
 class ChildProcess {
 public:
     using Milliseconds = std::chrono::milliseconds;

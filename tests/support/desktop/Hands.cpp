@@ -1,0 +1,152 @@
+#include "tests/support/desktop/Hands.h"
+
+#include "tests/support/Eventually.h"
+#include "tests/support/desktop/Desktop.h"
+
+#include <algorithm>
+#include <chrono>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace flashwriter::testing {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::string hand(Words words) {
+    words.insert(words.begin(), "xdotool");
+    return toolOutput(words);
+}
+
+Words moving(Point point) {
+    return {"mousemove", std::to_string(point.x), std::to_string(point.y)};
+}
+
+void clickButton(Point point, const char* button, const char* times) {
+    Words words = moving(point);
+    words.insert(words.end(), {"click", "--repeat", times, "--delay", "40", button});
+    hand(words);
+}
+
+// A title as a regular expression that nothing else matches.
+std::string exactly(const std::string& title) {
+    std::string pattern = "^";
+    for (const char c : title) {
+        if (std::string_view(".[]()*+?^$\\|{}").find(c) != std::string_view::npos) {
+            pattern += '\\';
+        }
+        pattern += c;
+    }
+    return pattern + "$";
+}
+
+// xdotool's word for finding nothing is a status that is not 0.
+std::vector<std::string> windowsOf(const std::string& title) {
+    std::vector<std::string> ids;
+    try {
+        std::istringstream lines(hand({"search", "--onlyvisible", "--name", exactly(title)}));
+        for (std::string id; std::getline(lines, id);) {
+            ids.push_back(id);
+        }
+    } catch (const std::runtime_error&) {
+        ids.clear();
+    }
+    return ids;
+}
+
+int valueOf(const std::string& lines, const std::string& name) {
+    const std::size_t at = lines.find("\n" + name + "=");
+    return at == std::string::npos ? 0 : std::stoi(lines.substr(at + name.size() + 2));
+}
+
+} // namespace
+
+void moveTo(Point point) {
+    hand(moving(point));
+}
+
+void click(Point point) {
+    clickButton(point, "1", "1");
+}
+
+void rightClick(Point point) {
+    clickButton(point, "3", "1");
+}
+
+void doubleClick(Point point) {
+    clickButton(point, "1", "2");
+}
+
+// A character that the keyboard lacks is put on a spare key first, and programs need a moment to
+// hear of that.
+void type(const std::string& text) {
+    const bool plain = std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+    hand({"type", "--delay", plain ? "2" : "60", "--", text});
+}
+
+void press(const std::string& keys) {
+    hand({"key", "--", keys});
+}
+
+void drag(Point from, Point to, const std::function<void()>& hovering) {
+    constexpr int STEPS = 12;
+    Words words = moving(from);
+    words.insert(words.end(), {"mousedown", "1"});
+    for (int i = 1; i <= STEPS; ++i) {
+        const Words step =
+            moving({from.x + (to.x - from.x) * i / STEPS, from.y + (to.y - from.y) * i / STEPS});
+        words.insert(words.end(), {"sleep", "0.02"});
+        words.insert(words.end(), step.begin(), step.end());
+    }
+    hand(words);
+    hovering();
+    // The last of the way again: a target hears of a drag by its movements.
+    hand({"mousemove_relative", "--", "1", "0", "sleep", "0.1", "mouseup", "1"});
+}
+
+std::optional<WindowOnScreen> waitForWindow(const std::string& title) {
+    std::vector<std::string> ids;
+    if (!eventually([&] {
+            ids = windowsOf(title);
+            return !ids.empty();
+        })) {
+        return std::nullopt;
+    }
+    const std::string lines = "\n" + hand({"getwindowgeometry", "--shell", ids.back()});
+    return WindowOnScreen{ids.back(),
+                          {valueOf(lines, "X"), valueOf(lines, "Y"), valueOf(lines, "WIDTH"),
+                           valueOf(lines, "HEIGHT")}};
+}
+
+bool windowIsShown(const std::string& title) {
+    return !windowsOf(title).empty();
+}
+
+std::string activeWindow() {
+    try {
+        const std::string line = hand({"getactivewindow", "getwindowname"});
+        return line.substr(0, line.find('\n'));
+    } catch (const std::runtime_error&) {
+        return "";
+    }
+}
+
+void minimise(const WindowOnScreen& window) {
+    hand({"windowminimize", window.id});
+}
+
+void screenshot(const std::string& path, const std::optional<Rectangle>& part) {
+    Words words{"import", "-silent", "-window", "root"};
+    if (part) {
+        std::ostringstream crop;
+        crop << part->width << 'x' << part->height << '+' << part->x << '+' << part->y;
+        words.insert(words.end(), {"-crop", crop.str(), "+repage"});
+    }
+    words.push_back("png:" + path);
+    toolOutput(words);
+}
+
+} // namespace flashwriter::testing
