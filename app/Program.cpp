@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QLoggingCategory>
+#include <QScreen>
 #include <QSettings>
 
 #include <algorithm>
@@ -64,6 +65,7 @@ int runProgram(int argc, char** argv) {
         }
     });
     delegate.applicationDidFinishLaunching(&application);
+    mainWindow.resize(mainWindow.size().boundedTo(mainWindow.screen()->availableSize()));
     mainWindow.show();
     const int status = QApplication::exec();
     setDiagnosticSink(nullptr);
