@@ -6,6 +6,11 @@ namespace flashwriter {
 
 namespace {
 
+// Whether a number of pixels, which may be no number, is one that a window can stand at or have.
+bool isPossible(qreal pixels) {
+    return std::abs(pixels) <= QWIDGETSIZE_MAX;
+}
+
 // What the window system draws around a window.
 QSizeF decoration(const QWidget& window) {
     return window.frameGeometry().size() - window.size();
@@ -38,8 +43,10 @@ void NSCenteringWindow::setFrame(const QRectF& frame, bool display) {
     if (m_dispPoint.x() != 0 && m_dispPoint.y() != 0) {
         placed.moveTopLeft(m_dispPoint);
     }
-    resize((placed.size() - (frameSize() - size())).toSize());
-    if (std::isfinite(placed.x()) && std::isfinite(placed.y())) { // no screen has another place
+    if (isPossible(placed.width()) && isPossible(placed.height())) {
+        resize((placed.size() - (frameSize() - size())).toSize());
+    }
+    if (isPossible(placed.x()) && isPossible(placed.y())) {
         move(placed.topLeft().toPoint());
     }
     if (display) {

@@ -22,7 +22,7 @@ public:
     // Places the window's frame; display: and draws it at once. The stored point replaces the
     // rectangle's origin when both its coordinates are other than 0. A coordinate of exactly 0
     // stands for no point, so a window that the middle would put at the screen's very edge stays
-    // where the platform puts it.
+    // where the platform puts it. A place or a size that no window can have leaves it as it is.
     void setFrame(const QRectF& frame, bool display);
 
     QPointF dispPoint() const { return m_dispPoint; }
