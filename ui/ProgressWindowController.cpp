@@ -8,6 +8,8 @@
 #include "ui/NSFileDropWindow.h"
 #include "ui_ProgressWindowController.h"
 
+#include <algorithm>
+
 namespace flashwriter {
 
 ProgressWindowController::ProgressWindowController(const MainThreadQueue& mainThread)
@@ -49,7 +51,9 @@ std::uint64_t ProgressWindowController::UpdateProgress(std::int32_t step,
 void ProgressWindowController::showProgress(const QString& text, int percentage) {
     if (!m_window.isNull()) {
         setAnnouncedText(*progressLabel, text);
-        progressBar->setValue(percentage);
+        // A bar would stay where it is on a value beyond its ends.
+        progressBar->setValue(
+            std::clamp(percentage, progressBar->minimum(), progressBar->maximum()));
     }
 }
 
