@@ -52,7 +52,8 @@ QStringList NSFileDropTextField::fileListInDraggingInfo(const QMimeData& draggin
 
 bool NSFileDropTextField::acceptableObject(const QMimeData& dragging) {
     const QStringList paths = fileListInDraggingInfo(dragging);
-    if (paths.size() != 1) {
+    // Nothing says from which folder an address without one would lead.
+    if (paths.size() != 1 || !paths.front().startsWith('/')) {
         return false;
     }
     const QFileInfo file(paths.front());
