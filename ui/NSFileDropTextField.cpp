@@ -60,10 +60,11 @@ bool NSFileDropTextField::acceptableObject(const QMimeData& dragging) {
     return file.exists() && !file.isDir();
 }
 
-// Disabling takes the keyboard's focus away; who was typing there goes on typing there.
+// Disabling takes the keyboard's focus away; who was typing there goes on typing there. The window
+// may be behind that of the program from which the file comes, and has its focus all the same.
 void NSFileDropTextField::setInDragging(bool dragging) {
     if (dragging && !m_isDragging) {
-        m_hadFocus = hasFocus();
+        m_hadFocus = window()->focusWidget() == this;
     }
     const bool hasEnded = !dragging && m_isDragging;
     m_isDragging = dragging;

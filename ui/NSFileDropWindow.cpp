@@ -23,7 +23,7 @@ void NSFileDropWindow::setTrgetTextField(NSFileDropTextField* field) {
 
 DragOperation NSFileDropWindow::draggingEntered(const QMimeData& /*dragging*/) {
     if (!m_trgetTextField.isNull()) {
-        const bool hadFocus = m_trgetTextField->hasFocus(); // which disabling takes away
+        const bool hadFocus = focusWidget() == m_trgetTextField; // disabling takes it away
         m_trgetTextField->setEnabled(false);
         m_trgetTextField->setEnabled(true);
         if (hadFocus) {
