@@ -6,7 +6,19 @@
 #include <QPushButton>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace flashwriter {
+
+namespace {
+
+// Return, or Enter of the number keys, and no other key held with it.
+bool isPlainReturn(const QKeyEvent& event) {
+    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    return isReturn && (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
+
+} // namespace
 
 NSFileDropWindow::NSFileDropWindow(QWidget* parent) : QMainWindow(parent) {
     awakeFromNib();
@@ -59,14 +71,16 @@ void NSFileDropWindow::changeEvent(QEvent* event) {
 }
 
 void NSFileDropWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+    if (!isPlainReturn(*event)) {
         QMainWindow::keyPressEvent(event);
         return;
     }
-    for (QPushButton* button : findChildren<QPushButton*>()) {
-        if (button->isDefault() && button->isVisible()) {
-            button->click(); // which a disabled button ignores
-        }
+    const QList<QPushButton*> buttons = findChildren<QPushButton*>();
+    const auto found = std::find_if(buttons.begin(), buttons.end(), [this](const auto* button) {
+        return button->isDefault() && button->isVisible() && button->window() == this;
+    });
+    if (found != buttons.end()) {
+        (*found)->click(); // which a disabled button ignores
     }
 }
 
