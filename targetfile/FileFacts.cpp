@@ -10,13 +10,6 @@ namespace flashwriter {
 
 namespace {
 
-ImageKind imageKind(const std::string& path) {
-    if (hasPathExtension(path, "bin")) {
-        return ImageKind::Bin;
-    }
-    return hasPathExtension(path, "mot") ? ImageKind::Mot : ImageKind::Other;
-}
-
 // The state that belongs to an errno value of looking at a path or of opening it.
 FileState stateOfError(int error) {
     switch (error) {
@@ -33,6 +26,13 @@ FileState stateOfError(int error) {
 }
 
 } // namespace
+
+ImageKind imageKind(const std::string& path) {
+    if (hasPathExtension(path, "bin")) {
+        return ImageKind::Bin;
+    }
+    return hasPathExtension(path, "mot") ? ImageKind::Mot : ImageKind::Other;
+}
 
 FileFacts fileFacts(const std::string& path) {
     FileFacts facts;

@@ -17,6 +17,9 @@ enum class FileState : std::uint8_t {
 
 enum class ImageKind : std::uint8_t { Bin, Mot, Other };
 
+// The kind that a path (UTF-8) stands for by its extension alone, in any case of letters.
+ImageKind imageKind(const std::string& path);
+
 struct FileFacts {
     FileState state = FileState::Missing;
     int error = 0;                     // errno of Missing and NotReadable, otherwise 0

@@ -1,19 +1,10 @@
 #include "ui/ImageOpenPanel.h"
 
-#include "targetfile/PathExtension.h"
+#include "targetfile/FileFacts.h"
 
 #include <algorithm>
 
 namespace flashwriter {
-
-namespace {
-
-bool isImageName(const QString& path) {
-    const std::string name = path.toStdString();
-    return hasPathExtension(name, "bin") || hasPathExtension(name, "mot");
-}
-
-} // namespace
 
 ImageOpenPanel::ImageOpenPanel(QWidget* parent) : QFileDialog(parent, "Select an image") {
     setFileMode(QFileDialog::ExistingFile);
@@ -23,8 +14,11 @@ ImageOpenPanel::ImageOpenPanel(QWidget* parent) : QFileDialog(parent, "Select an
 
 void ImageOpenPanel::accept() {
     const QStringList chosen = selectedFiles();
+    const auto isImage = [](const QString& path) {
+        return imageKind(path.toStdString()) != ImageKind::Other;
+    };
     const bool isFolder = chosen.size() == 1 && QFileInfo(chosen.front()).isDir();
-    if (isFolder || std::all_of(chosen.begin(), chosen.end(), isImageName)) {
+    if (isFolder || std::all_of(chosen.begin(), chosen.end(), isImage)) {
         QFileDialog::accept();
     }
 }

@@ -1,6 +1,6 @@
 #include "ui/NSFileDropTextField.h"
 
-#include "targetfile/PathExtension.h"
+#include "targetfile/FileFacts.h"
 
 #include <QDragEnterEvent>
 #include <QFileInfo>
@@ -27,8 +27,7 @@ QString pathOf(const QUrl& url) {
 }
 
 bool isImageName(const QString& path) {
-    const std::string name = path.toStdString();
-    return hasPathExtension(name, "bin") || hasPathExtension(name, "mot");
+    return imageKind(path.toStdString()) != ImageKind::Other;
 }
 
 } // namespace

@@ -9,6 +9,13 @@
 namespace flashwriter {
 namespace {
 
+TEST(FileFacts, TellAnImageByItsNameAlone) {
+    EXPECT_EQ(imageKind("/no/such/folder/image.bin"), ImageKind::Bin);
+    EXPECT_EQ(imageKind("IMAGE.Mot"), ImageKind::Mot);
+    EXPECT_EQ(imageKind("image.hex"), ImageKind::Other);
+    EXPECT_EQ(imageKind("bin"), ImageKind::Other);
+}
+
 TEST(FileFacts, OfAReadableFileAreItsSizeAndOwner) {
     const TempDir directory;
     const FileFacts facts = fileFacts(directory.write("image.bin", "12345"));
