@@ -21,9 +21,18 @@ constexpr std::array<KeyCode, 5> CODES{{{KeyPosition::A, 0, 38},
                                         {KeyPosition::C, 8, 54},
                                         {KeyPosition::V, 9, 55}}};
 
+// A key of macOS has the code 0, which is also what an event has that comes from no keyboard; the
+// modifiers of one that does come from there are never all zero.
+bool hasCocoaCode(const QKeyEvent& event) {
+    return event.nativeVirtualKey() != 0 || event.nativeModifiers() != 0;
+}
+
 } // namespace
 
 KeyPosition keyPosition(const QKeyEvent& event, bool isCocoa) {
+    if (isCocoa && !hasCocoaCode(event)) {
+        return KeyPosition::Other;
+    }
     for (const KeyCode& code : CODES) {
         if (isCocoa ? code.cocoa == event.nativeVirtualKey()
                     : code.scanCode == event.nativeScanCode()) {

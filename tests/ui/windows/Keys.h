@@ -1,0 +1,26 @@
+// Key presses as a window system reports them: what the layout makes of a key, and where it is.
+#pragma once
+
+#include <QKeyEvent>
+
+namespace flashwriter::testing {
+
+// Codes of X11 for the keys of an ANSI keyboard.
+enum ScanCode : quint32 {
+    SCAN_A = 38,
+    SCAN_S = 39,
+    SCAN_I = 31,
+    SCAN_Z = 52,
+    SCAN_X = 53,
+    SCAN_C = 54,
+    SCAN_V = 55,
+    SCAN_B = 56
+};
+
+inline QKeyEvent keyEvent(quint32 scanCode, Qt::Key key, const QString& text = {},
+                          Qt::KeyboardModifiers modifiers = Qt::ControlModifier,
+                          QEvent::Type type = QEvent::KeyPress) {
+    return {type, key, modifiers, scanCode, 0, 0, text};
+}
+
+} // namespace flashwriter::testing
