@@ -8,8 +8,8 @@ namespace flashwriter {
 
 // Appends text as it is, in one step. With a limit only the last `limit` characters (UTF-16 units)
 // of the whole text are kept. A view that is at its end follows it; one that the person has
-// scrolled up stays at the lines that it shows. What the person could have undone is forgotten:
-// undoing it would mix up the program's text.
+// scrolled up stays at the lines that it shows. A selection stays as it is, but for what goes. What
+// the person could have undone is forgotten: undoing it would mix up the program's text.
 void appendLogText(QPlainTextEdit& view, const QString& text, int limit = 0);
 
 // Makes the whole text empty.
