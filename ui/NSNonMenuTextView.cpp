@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <QTextOption>
 
 #include <algorithm>
 #include <array>
@@ -60,7 +61,11 @@ bool isEditingShortcut(const QKeyEvent& event) {
 
 } // namespace
 
-NSNonMenuTextView::NSNonMenuTextView(QWidget* parent) : QPlainTextEdit(parent) {}
+// A board may send a long text without a blank. To wrap it between words, of which there is one,
+// takes the toolkit most of a second each time that something is added to it.
+NSNonMenuTextView::NSNonMenuTextView(QWidget* parent) : QPlainTextEdit(parent) {
+    setWordWrapMode(QTextOption::WrapAnywhere);
+}
 
 void NSNonMenuTextView::rightMouseDown(QMouseEvent* event) {
     event->accept();

@@ -5,9 +5,12 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 
 namespace flashwriter::testing {
 
@@ -27,6 +30,7 @@ private slots:
     void showsNoMenu_data();
     void showsNoMenu();
     void selectsWithTheLeftButton();
+    void wrapsAWordAtItsEdge();
 
 private:
     bool send(QKeyEvent event) {
@@ -161,6 +165,16 @@ void LogViewEventsTest::selectsWithTheLeftButton() {
     QCOMPARE(selected(), QString("one"));
     QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(200, 50));
     QCOMPARE(selected(), QString());
+}
+
+// As terminals do: to look for a better place in a long text without blanks, which a board may
+// send, takes so long that nothing else can be done meanwhile.
+void LogViewEventsTest::wrapsAWordAtItsEdge() {
+    m_view->setPlainText("word " + QString(1000, 'x'));
+    const QTextLayout& layout = *m_view->document()->firstBlock().layout();
+    QVERIFY(layout.lineCount() > 5);
+    QVERIFY(layout.lineAt(0).textLength() > 20);
+    QCOMPARE(m_view->horizontalScrollBar()->maximum(), 0);
 }
 
 } // namespace flashwriter::testing
