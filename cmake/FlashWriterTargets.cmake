@@ -75,4 +75,9 @@ function(flashwriter_qt_test name)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FORCE_STDERR_LOGGING=1" ${ARG_PROPERTIES})
+  if(FLASHWRITER_SANITIZE MATCHES "thread")
+    set(suppressions "${FlashWriter_SOURCE_DIR}/tests/ui/thread-sanitizer.supp")
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT_MODIFICATION
+      "TSAN_OPTIONS=string_append::suppressions='${suppressions}'")
+  endif()
 endfunction()

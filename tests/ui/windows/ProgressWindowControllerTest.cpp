@@ -46,7 +46,7 @@ private:
 void ProgressWindowControllerTest::init() {
     m_log = std::make_unique<DiagnosticLines>();
     m_main = std::make_unique<NSFileDropWindow>();
-    m_main->setGeometry(100, 80, 600, 400);
+    m_main->setGeometry(100, 80, 300, 200);
     m_main->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
     m_controller = std::make_unique<ProgressWindowController>(m_queue);
