@@ -8,6 +8,7 @@
 #include "ui/MainThreadQueue.h"
 #include "ui/ProgressWindowController.h"
 
+#include <QObject>
 #include <QString>
 
 #include <cstdint>
@@ -16,7 +17,6 @@
 
 class QComboBox;
 class QLabel;
-class QObject;
 class QPushButton;
 class QTimer;
 
@@ -130,6 +130,8 @@ private:
     QPushButton* selectButton = nullptr;
     QPushButton* writeButton = nullptr;
     NSFileDropWindow* window = nullptr;
+
+    QObject m_connections; // what the controls are connected to; the first that goes
 };
 
 } // namespace flashwriter

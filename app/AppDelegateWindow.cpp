@@ -58,8 +58,9 @@ AppDelegate::AppDelegate(NSFileDropWindow& mainWindow) : window(&mainWindow) {
     forgetItemWhenTyped(*baudRateComboBox);
     logDispTextView->setAcceptDrops(false);
     logDispTextView->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    QObject::connect(controls.quitAction, &QAction::triggered, window, [this] { window->close(); });
-    QObject::connect(controls.aboutAction, &QAction::triggered, window,
+    QObject::connect(controls.quitAction, &QAction::triggered, &m_connections,
+                     [this] { window->close(); });
+    QObject::connect(controls.aboutAction, &QAction::triggered, &m_connections,
                      [this] { showAbout(window); });
     connectControls();
     connectStatusLine(*controls.statusLabel);
@@ -69,7 +70,7 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::connectControls() {
     const auto connect = [this](QPushButton* button, void (AppDelegate::*push)(const QObject*)) {
-        QObject::connect(button, &QPushButton::clicked, window,
+        QObject::connect(button, &QPushButton::clicked, &m_connections,
                          [this, button, push] { (this->*push)(button); });
     };
     connect(updateButton, &AppDelegate::pushUpdating);
@@ -88,11 +89,11 @@ void AppDelegate::connectStatusLine(QLabel& label) {
                            .file = filePathTextField->text().toStdString()};
     });
     const auto refresh = [this] { m_statusLine->refresh(); };
-    QObject::connect(serialPortComboBox, &QComboBox::currentTextChanged, window, refresh);
-    QObject::connect(baudRateComboBox, &QComboBox::currentTextChanged, window, refresh);
-    QObject::connect(filePathTextField, &QLineEdit::textChanged, window, refresh);
+    QObject::connect(serialPortComboBox, &QComboBox::currentTextChanged, &m_connections, refresh);
+    QObject::connect(baudRateComboBox, &QComboBox::currentTextChanged, &m_connections, refresh);
+    QObject::connect(filePathTextField, &QLineEdit::textChanged, &m_connections, refresh);
     // Whoever comes back from another program may have changed something there.
-    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, window, refresh);
+    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &m_connections, refresh);
 }
 
 } // namespace flashwriter
