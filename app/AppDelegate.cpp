@@ -56,7 +56,7 @@ void AppDelegate::pushSelect(const QObject* /*sender*/) {
         return;
     }
     const QUrl url = panel.selectedUrls().value(0);
-    diagnosticLog("file opened '%s'", url.toString().toUtf8().constData());
+    diagnosticLog("file opened '%s'", url.toEncoded().constData());
     filePathTextField->setText(url.toLocalFile());
 }
 
