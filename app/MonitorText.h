@@ -1,7 +1,7 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
-#include <QStringDecoder>
 
 #include <cstddef>
 #include <cstdint>
@@ -23,8 +23,7 @@ public:
 private:
     QString withPlainLineEnds(const QString& text);
 
-    // A byte order mark is a character like any other here.
-    QStringDecoder m_decoder{QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom};
+    QByteArray m_begun;          // the bytes of a character that is not complete yet
     bool m_endsInReturn = false; // the text so far, whose line end has been given out
 };
 
