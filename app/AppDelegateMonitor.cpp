@@ -153,7 +153,8 @@ ResultCode AppDelegate::MonitorTimerStart() {
                      [this] { MonitorTimeProc(m_MonitorTimer.get()); });
     m_MonitorTimer->start(TICK);
     MonitorTimeProc(m_MonitorTimer.get());
-    return m_MonitorTimer->isActive() ? RESULT_OK : RESULT_MONITOR_TIMER_FAILED;
+    // One that could not be started has no number, but counts as active all the same.
+    return m_MonitorTimer->timerId() > 0 ? RESULT_OK : RESULT_MONITOR_TIMER_FAILED;
 }
 
 void AppDelegate::MonitorTimerStop() {
