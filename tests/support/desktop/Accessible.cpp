@@ -36,13 +36,15 @@ std::string Accessible::role() const {
     return taken(atspi_accessible_get_role_name(m_object.get(), nullptr));
 }
 
-std::string Accessible::nameOfRelated(AtspiRelationType type) const {
+std::vector<Accessible> Accessible::related(AtspiRelationType type) const {
     GArray* const relations = atspi_accessible_get_relation_set(m_object.get(), nullptr);
-    std::string result;
+    std::vector<Accessible> result;
     for (guint i = 0; relations != nullptr && i < relations->len; ++i) {
         const auto relation = owned(g_array_index(relations, AtspiRelation*, i));
         if (atspi_relation_get_relation_type(relation.get()) == type) {
-            result = Accessible(atspi_relation_get_target(relation.get(), 0)).name();
+            for (gint n = 0; n < atspi_relation_get_n_targets(relation.get()); ++n) {
+                result.emplace_back(atspi_relation_get_target(relation.get(), n));
+            }
         }
     }
     if (relations != nullptr) {

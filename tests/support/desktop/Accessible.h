@@ -22,9 +22,8 @@ public:
     std::string description() const;
     std::string role() const; // for example "push button"
 
-    // The name of what stands to it in this relation, for example of its label; empty when nothing
-    // does.
-    std::string nameOfRelated(AtspiRelationType type) const;
+    // What stands to it in this relation: its labels, for example, the box around it among them.
+    std::vector<Accessible> related(AtspiRelationType type) const;
 
     // What stands in it where it can be read letter by letter, as in a field or a log.
     std::string text() const;

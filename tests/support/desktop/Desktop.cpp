@@ -3,6 +3,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace flashwriter::testing {
@@ -114,9 +116,20 @@ void Desktop::startBus() {
                 "variant:boolean:true"});
 }
 
+// As it is installed, but for showing how windows shrink, which keeps the screen busy for a while.
 void Desktop::startWindowManager() {
+    std::ifstream installed("/etc/xdg/openbox/rc.xml");
+    std::string settings(std::istreambuf_iterator<char>(installed), {});
+    const std::string animated = "<animateIconify>yes";
+    const std::size_t at = settings.find(animated);
+    if (at == std::string::npos) {
+        throw std::runtime_error("the window manager's settings are not as expected");
+    }
+    settings.replace(at, animated.size(), "<animateIconify>no");
+    const std::string file = m_directory + "/openbox.xml";
+    std::ofstream(file) << settings;
     m_windowManager = std::make_unique<ChildProcess>(
-        tool({"openbox", "--sm-disable", "--startup", "echo ready"}));
+        tool({"openbox", "--sm-disable", "--config-file", file, "--startup", "echo ready"}));
     firstLine(*m_windowManager, "openbox");
 }
 

@@ -13,8 +13,6 @@ namespace flashwriter::testing {
 
 namespace {
 
-const char* const TITLE = "Flash Writer";
-
 std::string newDirectory() {
     std::string pattern = desktop().directory() + "/user-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr) {
@@ -32,18 +30,21 @@ ChildOptions starting(const std::string& program, const std::string& linesLibrar
     return options;
 }
 
-// The part of a control that holds its text: an editable combo box has a field of its own.
+// What a label shows is its description; an editable combo box has a field of its own in it.
 std::string textOf(const Accessible& control) {
-    if (control.role() != "combo box") {
-        const std::string text = control.text();
-        return text.empty() ? control.description() : text;
+    const std::string role = control.role();
+    if (role == "label") {
+        return control.description();
+    }
+    if (role != "combo box") {
+        return control.text();
     }
     for (const Accessible& part : control.children()) {
         if (part.role() == "text") {
             return part.text();
         }
     }
-    return control.name();
+    return "";
 }
 
 } // namespace
@@ -51,7 +52,7 @@ std::string textOf(const Accessible& control) {
 DesktopProgram::DesktopProgram(const std::string& program, const std::string& linesLibrary)
     : m_home(newDirectory()), m_errorFile(m_home + ".err"),
       m_process(starting(program, linesLibrary, m_home, m_errorFile)), m_reader(m_process.pid()) {
-    if (!eventually([] { return activeWindow() == TITLE; })) {
+    if (!eventually([] { return activeWindow() == MAIN_WINDOW; })) {
         throw std::runtime_error("the program shows no window: " + diagnostics());
     }
     m_reader.get(LOG);
@@ -127,9 +128,8 @@ bool DesktopProgram::waitUntilEnabled(const std::string& name, bool enabled) con
 bool DesktopProgram::waitUntilFocused(const std::string& name) const {
     return m_reader.waitUntil(name, [](const Accessible& it) {
         const auto parts = it.children();
-        return it.focused() || std::any_of(parts.begin(), parts.end(), [](const Accessible& part) {
-                   return part.focused();
-               });
+        return it.focused() || std::any_of(parts.begin(), parts.end(),
+                                           [](const Accessible& part) { return part.focused(); });
     });
 }
 
@@ -166,17 +166,23 @@ std::string DesktopProgram::write(const std::string& port, const std::string& fi
 }
 
 void DesktopProgram::closeByFrame() const {
-    clickFrame(12);
+    clickFrame(10);
 }
 
 void DesktopProgram::minimiseByFrame() const {
-    clickFrame(50);
+    clickFrame(43);
 }
 
 // fromRight: pixels from the frame's right edge.
 void DesktopProgram::clickFrame(int fromRight) const {
-    const Rectangle place = m_reader.windows().front().place();
-    click({place.x + place.width - fromRight, place.y - 10});
+    for (const Accessible& window : m_reader.windows()) {
+        if (window.name() == MAIN_WINDOW && window.showing()) {
+            const Rectangle place = window.place();
+            click({place.x + place.width - fromRight, place.y - 10});
+            return;
+        }
+    }
+    throw std::runtime_error("no main window on the screen:\n" + m_reader.everything());
 }
 
 } // namespace flashwriter::testing

@@ -1,5 +1,5 @@
-// The desktop program as a person has it before them: started on the desktop of this process, worked
-// with mouse and keys, read as a screen reader does.
+// The desktop program as a person has it before them: started on the desktop of this process,
+// worked with mouse and keys, read as a screen reader does.
 #pragma once
 
 #include "tests/support/ChildProcess.h"
@@ -10,6 +10,8 @@
 #include <vector>
 
 namespace flashwriter::testing {
+
+inline const char* const MAIN_WINDOW = "Flash Writer"; // its title, and that of the result window
 
 // Names under which the screen reader finds the window's controls. A combo box goes by its label.
 inline const char* const PORT = "Port:";

@@ -57,9 +57,11 @@ std::vector<std::string> windowsOf(const std::string& title) {
     return ids;
 }
 
-int valueOf(const std::string& lines, const std::string& name) {
-    const std::size_t at = lines.find("\n" + name + "=");
-    return at == std::string::npos ? 0 : std::stoi(lines.substr(at + name.size() + 2));
+void photograph(const Words& what, const std::string& path) {
+    Words words{"import", "-silent"};
+    words.insert(words.end(), what.begin(), what.end());
+    words.push_back("png:" + path);
+    toolOutput(words);
 }
 
 } // namespace
@@ -107,18 +109,13 @@ void drag(Point from, Point to, const std::function<void()>& hovering) {
     hand({"mousemove_relative", "--", "1", "0", "sleep", "0.1", "mouseup", "1"});
 }
 
-std::optional<WindowOnScreen> waitForWindow(const std::string& title) {
+std::string waitForWindow(const std::string& title) {
     std::vector<std::string> ids;
-    if (!eventually([&] {
-            ids = windowsOf(title);
-            return !ids.empty();
-        })) {
-        return std::nullopt;
-    }
-    const std::string lines = "\n" + hand({"getwindowgeometry", "--shell", ids.back()});
-    return WindowOnScreen{ids.back(),
-                          {valueOf(lines, "X"), valueOf(lines, "Y"), valueOf(lines, "WIDTH"),
-                           valueOf(lines, "HEIGHT")}};
+    const bool isThere = eventually([&] {
+        ids = windowsOf(title);
+        return !ids.empty();
+    });
+    return isThere ? ids.back() : "";
 }
 
 bool windowIsShown(const std::string& title) {
@@ -134,19 +131,26 @@ std::string activeWindow() {
     }
 }
 
-void minimise(const WindowOnScreen& window) {
-    hand({"windowminimize", window.id});
+void minimise(const std::string& window) {
+    hand({"windowminimize", window});
 }
 
-void screenshot(const std::string& path, const std::optional<Rectangle>& part) {
-    Words words{"import", "-silent", "-window", "root"};
-    if (part) {
-        std::ostringstream crop;
-        crop << part->width << 'x' << part->height << '+' << part->x << '+' << part->y;
-        words.insert(words.end(), {"-crop", crop.str(), "+repage"});
-    }
-    words.push_back("png:" + path);
-    toolOutput(words);
+void unminimise(const std::string& window) {
+    hand({"windowactivate", window});
+}
+
+void screenshot(const std::string& path) {
+    photograph({"-window", "root"}, path);
+}
+
+void screenshot(const std::string& path, const Rectangle& part) {
+    std::ostringstream crop;
+    crop << part.width << 'x' << part.height << '+' << part.x << '+' << part.y;
+    photograph({"-window", "root", "-crop", crop.str(), "+repage"}, path);
+}
+
+void screenshotOfWindow(const std::string& path, const std::string& window) {
+    photograph({"-frame", "-window", window}, path);
 }
 
 } // namespace flashwriter::testing

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace flashwriter::testing {
@@ -35,22 +34,21 @@ void press(const std::string& keys); // a key or a chord, for example "Return" o
 void drag(
     Point from, Point to, const std::function<void()>& hovering = [] {});
 
-// The window of exactly this title that the screen shows. Nothing when none comes in the time that
-// only a hang exceeds.
-struct WindowOnScreen {
-    std::string id;
-    Rectangle place; // without the frame around it
-};
-std::optional<WindowOnScreen> waitForWindow(const std::string& title);
+// The X server's number of the window of exactly this title that the screen shows. Empty when none
+// comes in the time that only a hang exceeds.
+std::string waitForWindow(const std::string& title);
 bool windowIsShown(const std::string& title);
 
 // The title of the window that has the keyboard; empty when none has.
 std::string activeWindow();
 
-// Asks the window manager to minimise a window, as its button would.
-void minimise(const WindowOnScreen& window);
+// Asks the window manager to minimise a window, as other ways than its button do, and back.
+void minimise(const std::string& window);
+void unminimise(const std::string& window);
 
-// Saves what is on the screen as a PNG file: all of it, or a part.
-void screenshot(const std::string& path, const std::optional<Rectangle>& part = std::nullopt);
+// Saves what is on the screen as a PNG file: all of it, a part of it, or a window in its frame.
+void screenshot(const std::string& path);
+void screenshot(const std::string& path, const Rectangle& part);
+void screenshotOfWindow(const std::string& path, const std::string& window);
 
 } // namespace flashwriter::testing

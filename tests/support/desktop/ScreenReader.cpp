@@ -14,11 +14,18 @@ constexpr int ANSWER_LIMIT = 500;
 
 std::string nameOf(const Accessible& thing) {
     const std::string role = thing.role();
-    if (role == "combo box") {
-        return thing.nameOfRelated(ATSPI_RELATION_LABELLED_BY);
+    if (role == "label" && !thing.related(ATSPI_RELATION_LABEL_FOR).empty()) {
+        return "";
     }
-    const bool isLabel = role == "label" && !thing.nameOfRelated(ATSPI_RELATION_LABEL_FOR).empty();
-    return isLabel ? "" : thing.name();
+    if (role != "combo box") {
+        return thing.name();
+    }
+    for (const Accessible& label : thing.related(ATSPI_RELATION_LABELLED_BY)) {
+        if (label.role() == "label") {
+            return label.name();
+        }
+    }
+    return "";
 }
 
 std::optional<Accessible> findIn(const std::vector<Accessible>& things, const std::string& name) {

@@ -1,0 +1,67 @@
+// Files dragged out of another program's window.
+#include "tests/endtoend/desktop/DesktopFixture.h"
+#include "tests/support/Eventually.h"
+
+#include <filesystem>
+
+namespace flashwriter::testing {
+namespace {
+
+class DesktopDrop : public DesktopFixture {
+protected:
+    // Drags these files onto a control, where the button is let go.
+    void drop(const std::vector<std::string>& files, const std::string& name = IMAGE_FILE) {
+        ChildOptions options;
+        options.arguments = {DRAG_SOURCE};
+        options.arguments.insert(options.arguments.end(), files.begin(), files.end());
+        ChildProcess source(options);
+        ASSERT_TRUE(eventually([] { return activeWindow() == "Files"; }));
+        const Accessible window = ScreenReader(source.pid()).get("Drag me");
+        drag(window.place().centre(), screen().get(name).place().centre(), [&] {
+            EXPECT_TRUE(m_program.waitUntilEnabled(IMAGE_FILE, name != IMAGE_FILE))
+                << "disabled while a drag is over it";
+        });
+        EXPECT_TRUE(m_program.waitUntilEnabled(IMAGE_FILE));
+    }
+    void expectTaken(const std::string& file) {
+        drop({file});
+        EXPECT_TRUE(m_program.waitUntilShown(IMAGE_FILE, file)) << screen().everything();
+    }
+    void expectRefused(const std::vector<std::string>& files) {
+        SCOPED_TRACE(files.empty() ? "no file" : files.back());
+        drop(files);
+        EXPECT_EQ(m_program.shown(IMAGE_FILE), "as it was");
+    }
+
+    const ImageFile m_bin{"image.bin", patternImage(10)};
+    const ImageFile m_mot{"firmware 書.MOT", motText(patternImage(10))};
+    const ImageFile m_hex{"image.hex", patternImage(10)};
+};
+
+TEST_F(DesktopDrop, OfAnImageFillsTheField) {
+    expectTaken(m_bin.path());
+    expectTaken(m_mot.path());
+}
+
+TEST_F(DesktopDrop, OfAnythingElseLeavesTheFieldAsItWas) {
+    const std::string folder = desktop().directory() + "/x.bin";
+    std::filesystem::create_directory(folder);
+    m_program.enter(IMAGE_FILE, "as it was");
+    expectRefused({m_bin.path(), m_mot.path()});
+    expectRefused({folder});
+    expectRefused({m_hex.path()});
+    expectRefused({});
+    std::filesystem::remove(folder);
+}
+
+TEST_F(DesktopDrop, BesideTheFieldIsRefused) {
+    m_program.enter(IMAGE_FILE, "as it was");
+    for (const char* name : {LOG, PORT, "statusLabel"}) {
+        drop({m_bin.path()}, name);
+        EXPECT_EQ(m_program.shown(IMAGE_FILE), "as it was") << name;
+        EXPECT_EQ(m_program.shown(LOG), "");
+    }
+}
+
+} // namespace
+} // namespace flashwriter::testing

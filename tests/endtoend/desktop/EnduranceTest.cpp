@@ -1,0 +1,68 @@
+// Many writes by one and the same program.
+#include "tests/endtoend/desktop/DesktopFixture.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+
+namespace flashwriter::testing {
+namespace {
+
+class DesktopEndurance : public DesktopFixture {
+protected:
+    std::string proc(const std::string& name) {
+        return "/proc/" + std::to_string(m_program.process().pid()) + "/" + name;
+    }
+    // A figure of the process, for example "VmRSS" in KiB.
+    long status(const std::string& name) {
+        std::ifstream file(proc("status"));
+        for (std::string word; file >> word;) {
+            if (word == name + ":") {
+                long value = 0;
+                file >> value;
+                return value;
+            }
+        }
+        return -1;
+    }
+    std::ptrdiff_t descriptors() {
+        return std::distance(std::filesystem::directory_iterator(proc("fd")), {});
+    }
+    // With the keyboard, where a person stays for a row of boards.
+    void writeAgain() {
+        press("Return");
+        ASSERT_EQ(m_program.result(), SUCCESS) << m_program.diagnostics();
+        press("Return");
+        ASSERT_TRUE(screen().waitUntilGone(RESULT));
+        ASSERT_TRUE(m_program.waitUntilFocused(IMAGE_FILE)) << activeWindow();
+    }
+};
+
+TEST_F(DesktopEndurance, AHundredWritesInARowLeaveNothingBehind) {
+    const ImageFile file("image.bin", patternImage(10));
+    m_program.enter(PORT, plugIn());
+    m_program.enter(IMAGE_FILE, file.path());
+    long memory = 0;
+    long threads = 0;
+    std::ptrdiff_t descriptorsBefore = 0;
+    for (int i = 1; i <= 100; ++i) {
+        SCOPED_TRACE(i);
+        writeAgain();
+        if (HasFatalFailure()) {
+            return;
+        }
+        if (i == 20) { // everything has been used several times
+            memory = status("VmRSS");
+            threads = status("Threads");
+            descriptorsBefore = descriptors();
+        }
+    }
+    EXPECT_EQ(m_board.sessions(), 100U);
+    EXPECT_LT(status("VmRSS"), memory + 1024) << "KiB";
+    EXPECT_EQ(status("Threads"), threads);
+    EXPECT_EQ(descriptors(), descriptorsBefore);
+    RecordProperty("memory", std::to_string(memory) + " to " + std::to_string(status("VmRSS")));
+}
+
+} // namespace
+} // namespace flashwriter::testing
