@@ -165,24 +165,33 @@ std::string DesktopProgram::write(const std::string& port, const std::string& fi
     return text;
 }
 
+// As the window manager draws it: a line all around, a title above, a handle below.
+Rectangle DesktopProgram::frame() const {
+    constexpr int LINE = 1;
+    constexpr int TITLE = 20;
+    constexpr int HANDLE = 5;
+    for (const Accessible& window : m_reader.windows()) {
+        if (window.name() == MAIN_WINDOW && window.showing()) {
+            const Rectangle inner = window.place();
+            return {inner.x - LINE, inner.y - TITLE, inner.width + 2 * LINE,
+                    inner.height + TITLE + HANDLE};
+        }
+    }
+    throw std::runtime_error("no main window on the screen:\n" + m_reader.everything());
+}
+
 void DesktopProgram::closeByFrame() const {
-    clickFrame(10);
+    clickFrame(11);
 }
 
 void DesktopProgram::minimiseByFrame() const {
-    clickFrame(43);
+    clickFrame(44);
 }
 
 // fromRight: pixels from the frame's right edge.
 void DesktopProgram::clickFrame(int fromRight) const {
-    for (const Accessible& window : m_reader.windows()) {
-        if (window.name() == MAIN_WINDOW && window.showing()) {
-            const Rectangle place = window.place();
-            click({place.x + place.width - fromRight, place.y - 10});
-            return;
-        }
-    }
-    throw std::runtime_error("no main window on the screen:\n" + m_reader.everything());
+    const Rectangle outer = frame();
+    click({outer.x + outer.width - fromRight, outer.y + 10});
 }
 
 } // namespace flashwriter::testing

@@ -65,6 +65,9 @@ public:
     void dismissResult() const;
     std::string write(const std::string& port, const std::string& file) const; // all of that
 
+    // Where the main window is, with its frame.
+    Rectangle frame() const;
+
     // Presses the button of the main window's frame that closes it, or that minimises it: those are
     // the window manager's, and work whatever has the keyboard.
     void closeByFrame() const;
