@@ -86,16 +86,16 @@ void DesktopProgram::enter(const std::string& name, const std::string& text) con
     }
 }
 
-void DesktopProgram::choose(const std::string& name, int index) const {
+void DesktopProgram::choose(const std::string& name, std::size_t index) const {
     const std::vector<std::string> texts = items(name);
     clickOn(name);
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        press("Up");
-    }
-    for (int i = 0; i < index; ++i) {
+    for (std::size_t i = 0; i < texts.size(); ++i) { // to the last, from wherever it is
         press("Down");
     }
-    if (!waitUntilShown(name, texts.at(static_cast<std::size_t>(index)))) {
+    for (std::size_t i = texts.size() - 1; i > index; --i) {
+        press("Up");
+    }
+    if (!waitUntilShown(name, texts.at(index))) {
         throw std::runtime_error(name + " shows " + shown(name) + "\n" + m_reader.everything());
     }
 }

@@ -6,6 +6,7 @@
 #include "tests/support/desktop/Desktop.h"
 #include "tests/support/desktop/ScreenReader.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,7 @@ public:
     void enter(const std::string& name, const std::string& text) const;
 
     // Chooses an item of a combo box's list by the keyboard.
-    void choose(const std::string& name, int index) const;
+    void choose(const std::string& name, std::size_t index) const;
     std::vector<std::string> items(const std::string& name) const;
 
     // What a field, a combo box, a log or a label shows; empty when it is not on the screen.
