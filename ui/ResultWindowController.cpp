@@ -43,11 +43,12 @@ void ResultWindowController::runModal(QWidget* mainWindow) {
     window.adjustSize();
     window.makeCenteringPoint(mainWindow != nullptr ? QRectF(mainWindow->frameGeometry())
                                                     : QRectF());
+    const QPointer<QWidget> stillThere = mainWindow; // both windows may go meanwhile
     window.exec();
     // Some window managers leave the focus with nobody. Who has gone to another program stays
     // there.
-    if (mainWindow != nullptr && QGuiApplication::applicationState() == Qt::ApplicationActive) {
-        mainWindow->activateWindow();
+    if (!stillThere.isNull() && QGuiApplication::applicationState() == Qt::ApplicationActive) {
+        stillThere->activateWindow();
     }
 }
 

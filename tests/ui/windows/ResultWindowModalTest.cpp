@@ -23,6 +23,7 @@ private slots:
     void isApplicationModal();
     void standsInTheMiddleOfTheMainWindow();
     void outlivesTheMainWindow();
+    void goesWithTheMainWindowWhileItIsShown();
 
 private:
     QString message() {
@@ -132,6 +133,16 @@ void ResultWindowModalTest::outlivesTheMainWindow() {
     setResult(*m_controller, {});
     runModal(nullptr, [&] { m_controller->pushOK(nullptr); });
     QCOMPARE(message(), QString("The writing processing succeeded. "));
+}
+
+void ResultWindowModalTest::goesWithTheMainWindowWhileItIsShown() {
+    auto main = std::make_unique<QWidget>();
+    main->show();
+    QVERIFY(QTest::qWaitForWindowActive(main.get()));
+    QTimer::singleShot(0, this, [&] { main.reset(); });
+    m_controller->runModal(main.get());
+    QVERIFY(main == nullptr);
+    runModal(nullptr, [&] { m_controller->pushOK(nullptr); });
 }
 
 } // namespace flashwriter::testing
