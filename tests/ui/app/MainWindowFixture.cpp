@@ -34,7 +34,7 @@ MainWindowFixture::MainWindowFixture()
       selectButton(control<QPushButton>(window, "selectButton")),
       writeButton(control<QPushButton>(window, "writeButton")),
       status(control<QLabel>(window, "statusLabel")) {
-    portCommands = {"exit 2"};
+    portCommands.emplace(); // no command, and so none that succeeds
     delegate.applicationDidFinishLaunching(nullptr);
 }
 

@@ -1,4 +1,4 @@
-// What the program shows and holds when it starts, and what Update and Quit do.
+// What the program shows and holds when it starts, and what Quit does.
 #include "tests/ui/app/MainWindowFixture.h"
 #include "tests/ui/app/PortCommands.h"
 
@@ -7,9 +7,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <optional>
-#include <utility>
 
 namespace flashwriter::testing {
 
@@ -23,11 +20,7 @@ private slots:
     void startsWithTheMonitorClosedAndNothingLogged();
     void tellsTheWindowWhichFieldTakesFiles();
     void listsAnEmptyPortWhenNoneIsFound();
-    void listsAllPortsAndSelectsTheLast();
-    void updateReplacesListAndText_data();
-    void updateReplacesListAndText();
     void updateChangesNothingElse();
-    void updateButtonUpdates();
     void closingWithoutAMonitorLeavesDescriptorsAlone();
     void ignoresItsWindowOnceItIsGone();
 };
@@ -40,6 +33,7 @@ void StartUpTest::offersTwoSpeedsAndSelectsTheFirst() {
 }
 
 void StartUpTest::appendsTheSpeedsToWhatIsThere() {
+    portCommands.emplace();
     NSFileDropWindow window;
     AppDelegate delegate(window);
     auto* speeds = window.findChild<QComboBox*>("baudRateComboBox");
@@ -77,46 +71,11 @@ void StartUpTest::tellsTheWindowWhichFieldTakesFiles() {
 }
 
 void StartUpTest::listsAnEmptyPortWhenNoneIsFound() {
-    MainWindowFixture main;
-    portCommands = {"echo no such device; exit 2"};
-    main.delegate.pushUpdating(nullptr);
+    const MainWindowFixture main;
     QCOMPARE(main.items(main.ports), QStringList{""});
     QCOMPARE(main.ports.currentIndex(), 0);
     QCOMPARE(main.ports.currentText(), "");
-    QCOMPARE(DiagnosticLines::all(), (Lines{"task_error:", "task_error:no such device\n"}));
-    QVERIFY(main.log().isEmpty());
-}
-
-void StartUpTest::listsAllPortsAndSelectsTheLast() {
-    MainWindowFixture main;
-    portCommands = {"echo /dev/cu.usb9; echo /dev/cu.usb1; echo /dev/cu.usb5"};
-    main.delegate.pushUpdating(nullptr);
-    QCOMPARE(main.items(main.ports), (QStringList{"/dev/cu.usb9", "/dev/cu.usb1", "/dev/cu.usb5"}));
-    QCOMPARE(main.ports.currentIndex(), 2);
-    QCOMPARE(main.ports.currentText(), "/dev/cu.usb5");
-    QCOMPARE(DiagnosticLines::all(), Lines{"task_error:"}); // that of the start
-}
-
-void StartUpTest::updateReplacesListAndText_data() {
-    QTest::addColumn<QStringList>("before");
-    QTest::newRow("a list") << QStringList{"/dev/a", "/dev/b"};
-    QTest::newRow("an empty item") << QStringList{""};
-    QTest::newRow("no list") << QStringList{};
-}
-
-void StartUpTest::updateReplacesListAndText() {
-    QFETCH(const QStringList, before);
-    MainWindowFixture main;
-    for (const auto& [command, text] : {std::pair{"echo /dev/c", "/dev/c"}, {"exit 2", ""}}) {
-        main.ports.clear();
-        main.ports.addItems(before);
-        main.ports.setEditText("/dev/typed");
-        portCommands = {command};
-        main.delegate.pushUpdating(nullptr);
-        QCOMPARE(main.items(main.ports), QStringList{text});
-        QCOMPARE(main.ports.currentIndex(), 0);
-        QCOMPARE(main.ports.currentText(), text);
-    }
+    QCOMPARE(DiagnosticLines::all(), Lines{"task_error:"});
 }
 
 void StartUpTest::updateChangesNothingElse() {
@@ -130,13 +89,6 @@ void StartUpTest::updateChangesNothingElse() {
     QCOMPARE(main.monitorSpeeds.currentIndex(), 3);
     QCOMPARE(main.path.text(), "/tmp/image.bin");
     QCOMPARE(main.log(), "a line\n");
-}
-
-void StartUpTest::updateButtonUpdates() {
-    const MainWindowFixture main;
-    portCommands = {"echo /dev/c"};
-    main.updateButton.click();
-    QCOMPARE(main.ports.currentText(), "/dev/c");
 }
 
 // A file that happens to get the number of standard input must not be closed with the monitor.
@@ -157,6 +109,7 @@ void StartUpTest::closingWithoutAMonitorLeavesDescriptorsAlone() {
 
 // The window outlives its controller, and may lose the focus or its texts by then.
 void StartUpTest::ignoresItsWindowOnceItIsGone() {
+    portCommands.emplace();
     NSFileDropWindow window;
     const DiagnosticLines lines;
     {
