@@ -82,11 +82,16 @@ void doubleClick(Point point) {
     clickButton(point, "1", "2");
 }
 
-// A character that the keyboard lacks is put on a spare key first, and programs need a moment to
-// hear of that.
+// A character that the keyboard lacks is put on a spare key for as long as it is typed. Programs
+// look up what a key means when they come to it, so each of those is given time.
 void type(const std::string& text) {
-    const bool plain = std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
-    hand({"type", "--delay", plain ? "2" : "60", "--", text});
+    const auto isPlain = [](char c) { return c >= ' ' && c <= '~'; };
+    for (auto at = text.begin(); at != text.end();) {
+        const bool plain = isPlain(*at);
+        const auto end = std::find_if(at, text.end(), [&](char c) { return isPlain(c) != plain; });
+        hand({"type", "--delay", plain ? "2" : "400", "--", std::string(at, end)});
+        at = end;
+    }
 }
 
 void press(const std::string& keys) {
