@@ -178,6 +178,9 @@ void AppDelegate::SetControlEnabledModeMonitor(bool enabled) {
         control->setEnabled(enabled);
     }
     monitorOpenButton->setText(enabled ? "Open" : "Close");
+    // Screen readers are told the button's name and this, not its title.
+    monitorOpenButton->setAccessibleDescription(enabled ? "Open the serial monitor"
+                                                        : "Close the serial monitor");
 }
 
 } // namespace flashwriter

@@ -5,6 +5,7 @@
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/StageName.h"
 #include "ui/AnnouncedText.h"
+#include "ui/Keyboard.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui_ProgressWindowController.h"
 
@@ -75,6 +76,9 @@ void ProgressWindowController::windowWillClose(const QObject* /*notification*/) 
     }
     if (!m_window.isNull()) {
         m_window->endSheet();
+    }
+    if (!m_mainWindow.isNull()) {
+        giveKeyboardBack(*m_mainWindow); // once more: result and sheet go one after the other
     }
     diagnosticLog("Progresswindow closed!!");
 }

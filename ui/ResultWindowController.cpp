@@ -3,9 +3,9 @@
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultMessage.h"
 #include "ui/AnnouncedText.h"
+#include "ui/Keyboard.h"
 #include "ui_ResultWindowController.h"
 
-#include <QGuiApplication>
 #include <QStyle>
 
 namespace flashwriter {
@@ -45,10 +45,8 @@ void ResultWindowController::runModal(QWidget* mainWindow) {
                                                     : QRectF());
     const QPointer<QWidget> stillThere = mainWindow; // both windows may go meanwhile
     window.exec();
-    // Some window managers leave the focus with nobody. Who has gone to another program stays
-    // there.
-    if (!stillThere.isNull() && QGuiApplication::applicationState() == Qt::ApplicationActive) {
-        stillThere->activateWindow();
+    if (!stillThere.isNull()) {
+        giveKeyboardBack(*stillThere);
     }
 }
 
