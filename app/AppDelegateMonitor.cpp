@@ -5,7 +5,6 @@
 #include "app/AppDelegate.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultText.h"
-#include "serial/StandardStreams.h"
 #include "ui/LogText.h"
 #include "ui/NSFileDropTextField.h"
 #include "ui/NSFileDropWindow.h"
@@ -44,12 +43,11 @@ public:
 } // namespace
 
 // A transport that has never been opened closes descriptor 0 when it is closed, and the monitor's
-// is closed by every write, opened or not. That is done here once, while descriptor 0 is still
-// standard input, and its place is taken again: later on it might be anybody's.
+// is closed by every write, opened or not. One that has failed to open knows that it has no device.
 void AppDelegate::createMonitorPort() {
     m_MonitorComPort = std::make_unique<NSSerialPortProcessor>();
+    m_MonitorComPort->Open("");
     m_MonitorComPort->Close();
-    secureStandardStreams();
 }
 
 void AppDelegate::pushMonitorOpen(const QObject* /*sender*/) {

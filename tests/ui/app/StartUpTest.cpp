@@ -1,4 +1,5 @@
 // What the program shows and holds when it starts, and what Quit does.
+#include "serial/StandardStreams.h"
 #include "tests/ui/app/MainWindowFixture.h"
 #include "tests/ui/app/PortCommands.h"
 
@@ -7,6 +8,8 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <array>
 
 namespace flashwriter::testing {
 
@@ -21,6 +24,7 @@ private slots:
     void tellsTheWindowWhichFieldTakesFiles();
     void listsAnEmptyPortWhenNoneIsFound();
     void updateChangesNothingElse();
+    void startingLeavesStandardInputAlone();
     void closingWithoutAMonitorLeavesDescriptorsAlone();
     void ignoresItsWindowOnceItIsGone();
 };
@@ -89,6 +93,22 @@ void StartUpTest::updateChangesNothingElse() {
     QCOMPARE(main.monitorSpeeds.currentIndex(), 3);
     QCOMPARE(main.path.text(), "/tmp/image.bin");
     QCOMPARE(main.log(), "a line\n");
+}
+
+// Another thread might be given its number in between.
+void StartUpTest::startingLeavesStandardInputAlone() {
+    secureStandardStreams(); // the pipe must not get its number
+    std::array<int, 2> ends{};
+    QCOMPARE(::pipe(ends.data()), 0);
+    QCOMPARE(::dup2(ends[0], STDIN_FILENO), STDIN_FILENO);
+    const MainWindowFixture main;
+    struct stat status {};
+    QVERIFY(::fstat(STDIN_FILENO, &status) == 0);
+    struct stat expected {};
+    QVERIFY(::fstat(ends[0], &expected) == 0);
+    QCOMPARE(status.st_ino, expected.st_ino);
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 // A file that happens to get the number of standard input must not be closed with the monitor.
