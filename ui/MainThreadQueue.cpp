@@ -35,20 +35,16 @@ struct MainThreadQueue::Tasks {
     QObject* receiver = nullptr; // null once the queue is gone
 };
 
-// Each event stands for one task.
+// Each event stands for one task, and is not looked at.
 class MainThreadQueue::Receiver final : public QObject {
 public:
     explicit Receiver(std::shared_ptr<Tasks> tasks) : m_tasks(std::move(tasks)) {}
 
-    bool event(QEvent* event) override {
-        if (event->type() != QEvent::User) {
-            return QObject::event(event);
-        }
+    void customEvent(QEvent* /*event*/) override {
         const auto task = m_tasks->take();
         // Should the task open a loop, that one would sleep on events that are there already.
         thread()->eventDispatcher()->wakeUp();
         task();
-        return true;
     }
 
 private:
