@@ -36,7 +36,7 @@ bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed(const QObject*
 
 void AppDelegate::pushUpdating(const QObject* /*sender*/) {
     serialPortComboBox->clear();
-    const PortScan scan = scanPorts();
+    const PortScan scan = m_launchScan.valid() ? m_launchScan.get() : scanPorts();
     if (scan.hasFound) {
         serialPortComboBox->addItems(scan.ports);
         serialPortComboBox->setCurrentIndex(serialPortComboBox->count() - 1);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/MonitorText.h"
+#include "app/PortScan.h"
 #include "app/StatusLine.h"
 #include "sequence/NSSequenceProcessor.h"
 #include "sequence/NSSequenceProcessorForMot.h"
@@ -12,8 +13,10 @@
 #include <QString>
 
 #include <cstdint>
+#include <future>
 #include <memory>
 #include <string>
+#include <utility>
 
 class QComboBox;
 class QLabel;
@@ -38,6 +41,10 @@ public:
     ~AppDelegate() override;
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
+
+    // Before the launch, if at all: the list of ports is filled then with what this look for them
+    // has found, which may still be under way.
+    void setLaunchScan(std::future<PortScan> scan) { m_launchScan = std::move(scan); }
 
     // Once, before anything else below.
     void applicationDidFinishLaunching(const QObject* notification);
@@ -115,7 +122,8 @@ private:
     std::unique_ptr<NSSerialPortProcessor> m_MonitorComPort;
     std::unique_ptr<QTimer> m_MonitorTimer;
     bool m_isInvertDTR = false;
-    bool m_isMotFile = false; // of the write that goes on
+    std::future<PortScan> m_launchScan; // none once it has been shown
+    bool m_isMotFile = false;           // of the write that goes on
     MonitorText m_monitorText;
     std::unique_ptr<StatusLine> m_statusLine;
 

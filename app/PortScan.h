@@ -12,8 +12,8 @@ struct PortScan {
     QString output;    // of the last command, as it came
 };
 
-// Runs the system's commands that list serial ports until one succeeds. Waits for them; main
-// thread.
+// Runs the system's commands that list serial ports until one succeeds, and waits for them. Any
+// thread, once there is a QCoreApplication.
 PortScan scanPorts();
 
 // The lines of a listing, whose last character ends the last line.

@@ -1,6 +1,7 @@
 #include "app/Program.h"
 
 #include "app/AppDelegate.h"
+#include "app/PortScan.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "serial/StandardStreams.h"
 #include "ui/NSFileDropWindow.h"
@@ -12,6 +13,8 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <future>
+#include <utility>
 
 namespace flashwriter {
 
@@ -53,6 +56,8 @@ int runProgram(int argc, char** argv) {
     keepNoSettings();
     int nameOnly = std::min(argc, 1);
     QApplication application(nameOnly, argv);
+    // The commands that list the ports take as long as building the window does.
+    std::future<PortScan> ports = std::async(scanPorts);
     nameProgram();
     QGuiApplication::setWindowIcon(programIcon());
     QApplication::setQuitOnLastWindowClosed(false);
@@ -64,6 +69,7 @@ int runProgram(int argc, char** argv) {
             QCoreApplication::quit();
         }
     });
+    delegate.setLaunchScan(std::move(ports));
     delegate.applicationDidFinishLaunching(&application);
     mainWindow.resize(mainWindow.size().boundedTo(mainWindow.screen()->availableSize()));
     mainWindow.show();
