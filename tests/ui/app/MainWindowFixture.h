@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "serial/StandardStreams.h"
 #include "tests/sequence/DiagnosticLines.h"
 #include "ui/NSFileDropTextField.h"
 #include "ui/NSFileDropWindow.h"
@@ -15,6 +16,15 @@
 #include <string>
 
 namespace flashwriter::testing {
+
+// Closing a port that was never opened closes standard input, and a controller that goes closes
+// those of its drivers. In a test program life goes on: nothing else may get that number.
+struct StandardInput {
+    StandardInput() { secureStandardStreams(); }
+    ~StandardInput() { secureStandardStreams(); }
+    StandardInput(const StandardInput&) = delete;
+    StandardInput& operator=(const StandardInput&) = delete;
+};
 
 // The main window with its controller, started on a system without a serial port.
 class MainWindowFixture {
@@ -32,6 +42,7 @@ public:
     // How often the diagnostic log has this line.
     static std::ptrdiff_t count(const std::string& line);
 
+    StandardInput standardInput; // the last that goes
     DiagnosticLines lines;
     NSFileDropWindow window;
     AppDelegate delegate;

@@ -38,6 +38,7 @@ void StartUpTest::offersTwoSpeedsAndSelectsTheFirst() {
 
 void StartUpTest::appendsTheSpeedsToWhatIsThere() {
     portCommands.emplace();
+    const StandardInput standardInput;
     NSFileDropWindow window;
     AppDelegate delegate(window);
     auto* speeds = window.findChild<QComboBox*>("baudRateComboBox");
@@ -130,6 +131,7 @@ void StartUpTest::closingWithoutAMonitorLeavesDescriptorsAlone() {
 // The window outlives its controller, and may lose the focus or its texts by then.
 void StartUpTest::ignoresItsWindowOnceItIsGone() {
     portCommands.emplace();
+    const StandardInput standardInput;
     NSFileDropWindow window;
     const DiagnosticLines lines;
     {
