@@ -20,6 +20,19 @@ Screen::Screen() : m_display(XOpenDisplay(nullptr), &XCloseDisplay) {
 
 Screen::~Screen() = default;
 
+testing::Point Screen::middleOf(const std::string& window) const {
+    const Window id = std::stoul(window);
+    XWindowAttributes attributes{};
+    testing::Point middle;
+    Window child = 0;
+    if (XGetWindowAttributes(m_display.get(), id, &attributes) == 0 ||
+        XTranslateCoordinates(m_display.get(), id, attributes.root, attributes.width / 2,
+                              attributes.height / 2, &middle.x, &middle.y, &child) == 0) {
+        throw std::runtime_error("a window has gone that is to be measured");
+    }
+    return middle;
+}
+
 std::uint32_t Screen::colourAt(testing::Point point) const {
     const Window root = DefaultRootWindow(m_display.get());
     XImage* image = XGetImage(m_display.get(), root, point.x, point.y, 1, 1, AllPlanes, ZPixmap);

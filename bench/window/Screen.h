@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 struct _XDisplay; // NOLINT(bugprone-reserved-identifier): the X library's name
 
@@ -19,6 +20,9 @@ public:
     ~Screen();
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
+
+    // Of a window by the X server's number. Throws std::runtime_error when it has gone.
+    testing::Point middleOf(const std::string& window) const;
 
     // What a person sees there, whoever has drawn it.
     std::uint32_t colourAt(testing::Point point) const;

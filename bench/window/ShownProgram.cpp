@@ -28,12 +28,12 @@ WindowToSee seeWindow(const Screen& screen, const std::string& program, const st
     window.program = program;
     {
         testing::ChildProcess process(silently(program));
-        const auto place = testing::waitForWindow(title);
-        if (!place) {
+        const std::string shown = testing::waitForWindow(title);
+        if (shown.empty()) {
             throw std::runtime_error(program + " shows no window");
         }
         std::this_thread::sleep_for(SETTLING);
-        window.middle = place->place.centre();
+        window.middle = screen.middleOf(shown);
         window.painted = screen.colourAt(window.middle);
         process.signal(SIGTERM);
         process.wait();
