@@ -73,4 +73,13 @@ std::string monitorAdvice(ResultCode result, const std::string& speedText,
     return result == RESULT_OK ? "" : printable(adviceFor(result, speedText, facts));
 }
 
+std::string openMonitorAdvice(const std::string& portPath) {
+    FailureFacts facts;
+    facts.portPath = portPath;
+    facts.port = portFacts(portPath);
+    return facts.port.state == PortState::Missing
+               ? printable(goneAdvice(facts, "press Close, then Open"))
+               : "";
+}
+
 } // namespace flashwriter

@@ -12,4 +12,8 @@ namespace flashwriter {
 std::string monitorAdvice(ResultCode result, const std::string& speedText,
                           const FailureFacts& facts);
 
+// What to say while the monitor is open on this port (UTF-8) and the port has gone; empty while it
+// is there. Looks at the port without opening it.
+std::string openMonitorAdvice(const std::string& portPath);
+
 } // namespace flashwriter

@@ -35,6 +35,9 @@ bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed(const QObject*
 }
 
 void AppDelegate::pushUpdating(const QObject* /*sender*/) {
+    if (isBlocked()) {
+        return;
+    }
     serialPortComboBox->clear();
     const PortScan scan = m_launchScan.valid() ? m_launchScan.get() : scanPorts();
     if (scan.hasFound) {
@@ -49,8 +52,12 @@ void AppDelegate::pushUpdating(const QObject* /*sender*/) {
 }
 
 void AppDelegate::pushSelect(const QObject* /*sender*/) {
+    if (isBlocked()) {
+        return;
+    }
     window->repaint();
     ImageOpenPanel panel(window);
+    panel.startAt(filePathTextField->text());
     if (panel.exec() == QDialog::Rejected) {
         diagnosticLog("Cancel button was pressed.");
         return;

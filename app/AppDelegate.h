@@ -96,6 +96,7 @@ private:
     void connectStatusLine(QLabel& label);
     void createMonitorPort();
 
+    static bool isBlocked();
     bool isPortMissing() const; // neither a list nor a text
     bool fillContext();         // whether the write may begin
     void failWrite();
@@ -124,6 +125,7 @@ private:
     bool m_isInvertDTR = false;
     std::future<PortScan> m_launchScan; // none once it has been shown
     bool m_isMotFile = false;           // of the write that goes on
+    bool m_isOpening = false;           // the monitor
     MonitorText m_monitorText;
     std::unique_ptr<StatusLine> m_statusLine;
 

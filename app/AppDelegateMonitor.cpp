@@ -6,6 +6,7 @@
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultText.h"
 #include "ui/LogText.h"
+#include "ui/Lookup.h"
 #include "ui/NSFileDropTextField.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
@@ -30,6 +31,7 @@ constexpr int LOG_LIMIT = 65536;          // characters that the monitor leaves 
 constexpr std::size_t CHUNK_SIZE = 65536; // bytes that one tick takes at most
 constexpr std::chrono::milliseconds TICK{50};
 constexpr std::chrono::milliseconds READING_PAUSE{100};
+constexpr std::chrono::milliseconds ADVICE_PATIENCE{300};
 
 // Opening keeps the main thread busy: the person sees that something is being done.
 class BusyCursor {
@@ -51,10 +53,14 @@ void AppDelegate::createMonitorPort() {
 }
 
 void AppDelegate::pushMonitorOpen(const QObject* /*sender*/) {
+    if (isBlocked() || m_isOpening) {
+        return;
+    }
     if (m_isMonitorOpen) {
         MonitorPortClose();
         return;
     }
+    m_isOpening = true;
     m_isInvertDTR = false;
     {
         const BusyCursor busy;
@@ -62,6 +68,9 @@ void AppDelegate::pushMonitorOpen(const QObject* /*sender*/) {
         DtrCheck();
     }
     MonitorPortOpen();
+    // Opening kept the main thread busy: what was pressed meanwhile, twice perhaps, meant to open.
+    QCoreApplication::processEvents();
+    m_isOpening = false;
 }
 
 void AppDelegate::MonitorPortOpen() {
@@ -70,7 +79,8 @@ void AppDelegate::MonitorPortOpen() {
         clearLogText(*logDispTextView);
         SetControlEnabledModeMonitor(false);
         m_isMonitorOpen = true;
-        m_statusLine->hold("The serial monitor is open. Close it to write.");
+        m_statusLine->hold("The serial monitor is open. Close it to write.",
+                           serialPortComboBox->currentText().toStdString());
         return;
     }
     MonitorPortClose();
@@ -127,8 +137,11 @@ void AppDelegate::showMonitorError(ResultCode result) {
     const std::string speed = monitorBaudRateComboBox->currentText().toStdString();
     const std::string port = serialPortComboBox->currentText().toStdString();
     ResultWindowController controller(m_mainThread);
-    controller.setAdvice(monitorAdvice(result, speed, portFailureFacts(port)));
     controller.setResult(context);
+    Lookup lookup(m_mainThread); // ends before the window that it advises
+    lookup.ask([=] { return monitorAdvice(result, speed, portFailureFacts(port)); },
+               [&controller](const std::string& advice) { controller.setAdvice(advice); },
+               ADVICE_PATIENCE);
     controller.runModal(window);
 }
 
@@ -140,7 +153,7 @@ void AppDelegate::MonitorPortClose() {
     MonitorTimerStop();
     m_MonitorComPort->Close();
     SetControlEnabledModeMonitor(true);
-    m_statusLine->hold("");
+    m_statusLine->release();
 }
 
 ResultCode AppDelegate::MonitorTimerStart() {

@@ -2,8 +2,11 @@
 #include "app/AppDelegate.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
+#include "ui/ReturnKey.h"
+#include "ui/WheelGuard.h"
 #include "ui_MainWindow.h"
 
+#include <QApplication>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -14,10 +17,16 @@ namespace flashwriter {
 
 namespace {
 
-// A text that is typed is no item of the list, whatever item was chosen before it.
+// A text that is typed is no item of the list, whatever item was chosen before it, and whatever the
+// text is: the box would look for an item of that text when the typing ends.
 void forgetItemWhenTyped(QComboBox& comboBox) {
     QLineEdit& field = *comboBox.lineEdit();
+    QObject::disconnect(&field, &QLineEdit::editingFinished, &comboBox, nullptr);
+    QObject::disconnect(&field, &QLineEdit::returnPressed, &comboBox, nullptr);
     QObject::connect(&field, &QLineEdit::textEdited, &comboBox, [&](const QString& text) {
+        if (comboBox.currentIndex() == -1) {
+            return;
+        }
         const int cursor = field.cursorPosition();
         comboBox.setCurrentIndex(-1);
         comboBox.setEditText(text);
@@ -54,6 +63,7 @@ AppDelegate::AppDelegate(NSFileDropWindow& mainWindow) : window(&mainWindow) {
     writeButton = controls.writeButton;
     for (QComboBox* comboBox : {serialPortComboBox, baudRateComboBox, monitorBaudRateComboBox}) {
         prepareField(*comboBox);
+        guardFromWheel(*comboBox);
     }
     forgetItemWhenTyped(*baudRateComboBox);
     logDispTextView->setAcceptDrops(false);
@@ -66,7 +76,14 @@ AppDelegate::AppDelegate(NSFileDropWindow& mainWindow) : window(&mainWindow) {
     connectStatusLine(*controls.statusLabel);
 }
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+    window->whenSheetEnds(nullptr);
+}
+
+// A window over the main one keeps mouse and keys from it, but not a screen reader's presses.
+bool AppDelegate::isBlocked() {
+    return QApplication::activeModalWidget() != nullptr;
+}
 
 void AppDelegate::connectControls() {
     const auto connect = [this](QPushButton* button, void (AppDelegate::*push)(const QObject*)) {
@@ -77,8 +94,13 @@ void AppDelegate::connectControls() {
     connect(selectButton, &AppDelegate::pushSelect);
     connect(writeButton, &AppDelegate::pushWrite);
     connect(monitorOpenButton, &AppDelegate::pushMonitorOpen);
+    for (QPushButton* button : {updateButton, selectButton, writeButton, monitorOpenButton}) {
+        ignoreRepeatedReturn(*button);
+    }
+    pressOnReturn(*monitorBaudRateComboBox->lineEdit(), *monitorOpenButton);
     // The button's title changes, and leaves no room for a mnemonic.
     auto* open = new QShortcut(QKeySequence("Alt+O"), window);
+    open->setAutoRepeat(false);
     QObject::connect(open, &QShortcut::activated, monitorOpenButton, &QPushButton::click);
 }
 
@@ -88,6 +110,7 @@ void AppDelegate::connectStatusLine(QLabel& label) {
                            .isSpeedChosen = baudRateComboBox->currentIndex() >= 0,
                            .file = filePathTextField->text().toStdString()};
     });
+    window->whenSheetEnds([this] { m_statusLine->release(); });
     const auto refresh = [this] { m_statusLine->refresh(); };
     QObject::connect(serialPortComboBox, &QComboBox::currentTextChanged, &m_connections, refresh);
     QObject::connect(baudRateComboBox, &QComboBox::currentTextChanged, &m_connections, refresh);

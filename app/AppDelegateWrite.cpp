@@ -49,10 +49,14 @@ bool AppDelegate::fillContext() {
 }
 
 void AppDelegate::pushWrite(const QObject* /*sender*/) {
+    if (isBlocked()) {
+        return;
+    }
     MonitorPortClose();
     if (!fillContext()) {
         return;
     }
+    m_statusLine->hold("Writing…");
     window->setMiniaturizeEnabled(false);
     m_progressWindow->setMainWindow(window);
     m_progressWindow->beginSheet();

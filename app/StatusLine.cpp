@@ -1,12 +1,10 @@
 #include "app/StatusLine.h"
 
 #include "advice/FormAdvice.h"
-#include "sequence/context/DiagnosticLog.h"
+#include "advice/MonitorAdvice.h"
 #include "ui/AnnouncedText.h"
 
 #include <chrono>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace flashwriter {
@@ -15,79 +13,78 @@ namespace {
 
 // Long enough for a few letters, or for the files of a device, to be one look.
 constexpr std::chrono::milliseconds SOON{150};
+constexpr std::chrono::milliseconds LATE{1000};
 
 } // namespace
 
 StatusLine::StatusLine(QLabel& label, const MainThreadQueue& mainThread,
                        std::function<FormEntries()> entries)
-    : m_label(label), m_mainThread(mainThread), m_entries(std::move(entries)),
-      m_looking(std::make_shared<Looking>(Looking{.line = this})) {
+    : m_label(label), m_entries(std::move(entries)), m_lookup(mainThread) {
     m_soon.setSingleShot(true);
     m_soon.setInterval(SOON);
     QObject::connect(&m_soon, &QTimer::timeout, &m_soon, [this] { look(); });
+    m_late.setSingleShot(true);
+    m_late.setInterval(LATE);
+    QObject::connect(&m_late, &QTimer::timeout, &m_late,
+                     [this] { show("Waiting for the system to tell of port and image…"); });
     m_devices.addPath("/dev");
     QObject::connect(&m_devices, &QFileSystemWatcher::directoryChanged, &m_soon,
                      [this] { refresh(); });
 }
 
-StatusLine::~StatusLine() {
-    m_looking->line = nullptr;
-}
+StatusLine::~StatusLine() = default;
 
+// A look that is due already stays due: things may go on changing for long.
 void StatusLine::refresh() {
-    if (!m_isHeld) {
+    const bool looksAtAll = m_heldText.isEmpty() || !m_heldPort.empty();
+    if (looksAtAll && !m_soon.isActive()) {
         m_soon.start();
     }
 }
 
-void StatusLine::hold(const QString& text) {
-    m_isHeld = !text.isEmpty();
-    if (m_isHeld) {
-        m_soon.stop();
-        show(text);
-        m_label.repaint(); // what follows may keep the main thread busy
-    } else {
-        refresh();
-    }
+void StatusLine::hold(const QString& text, const std::string& port) {
+    m_heldText = text;
+    m_heldPort = port;
+    m_soon.stop();
+    m_late.stop();
+    m_lookup.forget();
+    show(text);
+    m_label.repaint(); // what follows may keep the main thread busy
 }
 
-// One look at a time: where each of them hangs, they would pile up.
+void StatusLine::release() {
+    if (!m_heldText.isEmpty()) {
+        m_heldText.clear();
+        m_heldPort.clear();
+        show(QString());
+    }
+    refresh();
+}
+
 void StatusLine::look() {
-    if (m_looking->isOn) {
-        m_looking->isDue = true;
-        return;
+    if (m_heldText.isEmpty()) {
+        m_late.start();
     }
-    m_looking->isOn = true;
-    try {
-        startLook();
-    } catch (const std::system_error& error) {
-        m_looking->isOn = false;
-        diagnosticLog("status line: %s", error.what());
+    const bool isAsked = m_lookup.ask(question(), [this](const std::string& text) {
+        m_late.stop();
+        show(QString::fromStdString(text));
+    });
+    if (!isAsked) {
+        m_late.stop();
     }
 }
 
-void StatusLine::startLook() {
-    const auto report = [looking = m_looking](const QString& text) {
-        looking->isOn = false;
-        if (looking->line != nullptr) {
-            looking->line->showFound(text);
-        }
+// Of what the next look is about; what it needs goes with it to another thread.
+std::function<std::string()> StatusLine::question() const {
+    if (m_heldText.isEmpty()) {
+        return [entries = m_entries()] {
+            return formAdvice(formFacts(entries.port, entries.isSpeedChosen, entries.file)).text;
+        };
+    }
+    return [text = m_heldText.toStdString(), port = m_heldPort] {
+        const std::string gone = openMonitorAdvice(port);
+        return gone.empty() ? text : gone;
     };
-    std::thread([entries = m_entries(), report, queue = m_mainThread.queue()] {
-        const FormFacts facts = formFacts(entries.port, entries.isSpeedChosen, entries.file);
-        queue([report, text = QString::fromStdString(formAdvice(facts).text)] { report(text); });
-    }).detach();
-}
-
-// What has been found is out of date when somebody has asked again meanwhile, and not wanted when a
-// text is held.
-void StatusLine::showFound(const QString& text) {
-    if (m_looking->isDue) {
-        m_looking->isDue = false;
-        refresh();
-    } else if (!m_isHeld) {
-        show(text);
-    }
 }
 
 void StatusLine::show(const QString& text) {

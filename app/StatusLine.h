@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/Lookup.h"
 #include "ui/MainThreadQueue.h"
 
 #include <QFileSystemWatcher>
@@ -7,7 +8,6 @@
 #include <QTimer>
 
 #include <functional>
-#include <memory>
 #include <string>
 
 class QLabel;
@@ -23,7 +23,7 @@ struct FormEntries {
 
 // The line under the form: what stands in the way of a write, if anything. It looks at port and
 // file as they are, never opens a port, and keeps nobody from anything. Main thread; what it looks
-// at is looked at on a thread of its own, since a disk that has gone can take its time to answer.
+// at is looked at on threads of its own, since a disk that has gone can take its time to answer.
 //
 // It looks when it is told to and when a device comes or goes, and does nothing otherwise.
 class StatusLine {
@@ -38,29 +38,24 @@ public:
     // Soon looks again, once however often it is told.
     void refresh();
 
-    // Shows this text and looks no more; an empty text ends that.
-    void hold(const QString& text);
+    // Shows this text and does not look at the form until release(). With a port (UTF-8) it looks
+    // at that, and shows that it has gone when it has.
+    void hold(const QString& text, const std::string& port = "");
+    void release();
 
 private:
-    // Shared with a look that is under way, and touched on the main thread only.
-    struct Looking {
-        StatusLine* line;  // null once the line is gone
-        bool isOn = false; // a look is under way
-        bool isDue = false;
-    };
-
     void look();
-    void startLook();
-    void showFound(const QString& text);
+    std::function<std::string()> question() const;
     void show(const QString& text);
 
     QLabel& m_label;
-    const MainThreadQueue& m_mainThread;
     std::function<FormEntries()> m_entries;
     QTimer m_soon;
+    QTimer m_late; // runs while an answer is waited for
     QFileSystemWatcher m_devices;
-    std::shared_ptr<Looking> m_looking;
-    bool m_isHeld = false;
+    QString m_heldText; // empty while nothing is held
+    std::string m_heldPort;
+    Lookup m_lookup;
 };
 
 } // namespace flashwriter

@@ -2,14 +2,26 @@
 
 #include "targetfile/FileFacts.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 
 namespace flashwriter {
 
 ImageOpenPanel::ImageOpenPanel(QWidget* parent) : QFileDialog(parent, "Select an image") {
     setFileMode(QFileDialog::ExistingFile);
-    setNameFilter("Images (*.bin *.mot)");
+    setNameFilter("Images (*.bin *.mot *.BIN *.MOT)");
+    // Panels of the desktop close on whatever is chosen; only that of macOS offers images alone.
+    setOption(QFileDialog::DontUseNativeDialog, QGuiApplication::platformName() != "cocoa");
     setLabelText(QFileDialog::Accept, "Select");
+}
+
+void ImageOpenPanel::startAt(const QString& path) {
+    const QFileInfo file(path);
+    if (file.isFile()) {
+        setDirectory(file.absolutePath());
+        selectFile(file.absoluteFilePath());
+    }
 }
 
 void ImageOpenPanel::accept() {

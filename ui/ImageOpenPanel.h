@@ -10,6 +10,9 @@ class ImageOpenPanel : public QFileDialog {
 public:
     explicit ImageOpenPanel(QWidget* parent = nullptr);
 
+    // Begins in the folder of this file, with it chosen, when there is such a file.
+    void startAt(const QString& path);
+
 protected:
     void accept() override;
 };

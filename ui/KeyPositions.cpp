@@ -27,6 +27,10 @@ bool hasCocoaCode(const QKeyEvent& event) {
     return event.nativeVirtualKey() != 0 || event.nativeModifiers() != 0;
 }
 
+bool isCocoaHere() {
+    return QGuiApplication::platformName() == "cocoa";
+}
+
 } // namespace
 
 KeyPosition keyPosition(const QKeyEvent& event, bool isCocoa) {
@@ -43,7 +47,11 @@ KeyPosition keyPosition(const QKeyEvent& event, bool isCocoa) {
 }
 
 KeyPosition keyPosition(const QKeyEvent& event) {
-    return keyPosition(event, QGuiApplication::platformName() == "cocoa");
+    return keyPosition(event, isCocoaHere());
+}
+
+bool comesFromKeyboard(const QKeyEvent& event) {
+    return isCocoaHere() ? hasCocoaCode(event) : event.nativeScanCode() != 0;
 }
 
 } // namespace flashwriter

@@ -17,4 +17,8 @@ KeyPosition keyPosition(const QKeyEvent& event);
 // The same where it is known whether the window system is that of macOS, or X11 or Wayland.
 KeyPosition keyPosition(const QKeyEvent& event, bool isCocoa);
 
+// Whether an event has the hardware's code. One that an on-screen keyboard or another program has
+// made up may have none.
+bool comesFromKeyboard(const QKeyEvent& event);
+
 } // namespace flashwriter

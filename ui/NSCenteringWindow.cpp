@@ -1,5 +1,7 @@
 #include "ui/NSCenteringWindow.h"
 
+#include "ui/ReturnKey.h"
+
 #include <cmath>
 
 namespace flashwriter {
@@ -51,6 +53,13 @@ void NSCenteringWindow::setFrame(const QRectF& frame, bool display) {
     }
     if (display) {
         repaint();
+    }
+}
+
+// Return that is held down since another window is not meant for this one.
+void NSCenteringWindow::keyPressEvent(QKeyEvent* event) {
+    if (!isRepeatedReturn(*event)) {
+        QDialog::keyPressEvent(event);
     }
 }
 

@@ -29,6 +29,9 @@ public:
 
     void setVisible(bool visible) override;
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     QSizeF frameSize() const;
 

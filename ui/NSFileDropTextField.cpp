@@ -26,6 +26,15 @@ QString pathOf(const QUrl& url) {
                                                           : url.toString();
 }
 
+// What is copied from a terminal brings a line end, and from a file manager an address.
+QString pathOfPasted(const QString& text) {
+    QString line = text;
+    while (line.endsWith('\n') || line.endsWith('\r')) {
+        line.chop(1);
+    }
+    return line.startsWith("file://") ? pathOf(QUrl(line)) : line;
+}
+
 bool isImageName(const QString& path) {
     return imageKind(path.toStdString()) != ImageKind::Other;
 }
@@ -38,6 +47,12 @@ NSFileDropTextField::NSFileDropTextField(QWidget* parent) : QLineEdit(parent) {
 
 void NSFileDropTextField::awakeFromNib() {
     setAcceptDrops(true);
+    connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
+        const QString path = pathOfPasted(text);
+        if (path != text) {
+            setText(path);
+        }
+    });
     m_isDragging = false;
 }
 

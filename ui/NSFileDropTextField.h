@@ -25,6 +25,7 @@ public:
 
     // Disables and frames the line, or enables it and takes the frame away.
     void setInDragging(bool dragging);
+    bool isDragging() const { return m_isDragging; }
 
     // The operations of a drag. Entering and updated do not look at what is dragged; the drop does:
     // it takes the path into the line when it is one file named .bin or .mot, in any case of

@@ -1,5 +1,7 @@
 #include "ui/NSFileDropWindow.h"
 
+#include "ui/ReturnKey.h"
+
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
@@ -12,10 +14,9 @@ namespace flashwriter {
 
 namespace {
 
-// Return, or Enter of the number keys, and no other key held with it.
+// Without another key held with it.
 bool isPlainReturn(const QKeyEvent& event) {
-    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-    return isReturn && (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    return isReturn(event) && (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
 }
 
 } // namespace
@@ -62,6 +63,23 @@ void NSFileDropWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(!m_isSheetUp);
 }
 
+// A modal window, or a program that dragged something here and died, keeps the end of a drag from
+// the field; a mouse that comes in without a drag shows that there is none.
+bool NSFileDropWindow::event(QEvent* event) {
+    const bool hasNoDrag = event->type() == QEvent::WindowBlocked || event->type() == QEvent::Enter;
+    if (hasNoDrag && !m_trgetTextField.isNull() && m_trgetTextField->isDragging()) {
+        m_trgetTextField->draggingExited();
+    }
+    return QMainWindow::event(event);
+}
+
+void NSFileDropWindow::setSheetUp(bool isUp) {
+    m_isSheetUp = isUp;
+    if (!isUp && m_sheetEnd) {
+        m_sheetEnd();
+    }
+}
+
 // Window managers have ways to minimise that need no button.
 void NSFileDropWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
@@ -71,6 +89,9 @@ void NSFileDropWindow::changeEvent(QEvent* event) {
 }
 
 void NSFileDropWindow::keyPressEvent(QKeyEvent* event) {
+    if (isRepeatedReturn(*event)) {
+        return; // one write for one press
+    }
     if (!isPlainReturn(*event)) {
         QMainWindow::keyPressEvent(event);
         return;

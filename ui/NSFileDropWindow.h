@@ -5,6 +5,9 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <functional>
+#include <utility>
+
 namespace flashwriter {
 
 // The main window: knows the field that dropped files are meant for and takes none itself; presses
@@ -26,10 +29,13 @@ public:
     bool isMiniaturizeEnabled() const { return m_isMiniaturizeEnabled; }
 
     // See SheetWindow, which calls it.
-    void setSheetUp(bool isUp) { m_isSheetUp = isUp; }
+    void setSheetUp(bool isUp);
     bool isSheetUp() const { return m_isSheetUp; }
+    // Is called each time that a sheet has been taken away.
+    void whenSheetEnds(std::function<void()> action) { m_sheetEnd = std::move(action); }
 
 protected:
+    bool event(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -41,6 +47,7 @@ private:
     QPointer<NSFileDropTextField> m_trgetTextField;
     bool m_isMiniaturizeEnabled = true;
     bool m_isSheetUp = false;
+    std::function<void()> m_sheetEnd;
 };
 
 } // namespace flashwriter

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace flashwriter {
 
@@ -50,8 +51,31 @@ bool hasCommand(const QKeyEvent& event) {
     return event.modifiers().testFlag(Qt::ControlModifier); // Command on macOS
 }
 
+// Of a key press that no keyboard has sent, which has no position: what its characters mean.
+KeyPosition positionByMeaning(const QKeyEvent& event) {
+    constexpr std::array<std::pair<QKeySequence::StandardKey, KeyPosition>, 5> MEANINGS{
+        {{QKeySequence::SelectAll, KeyPosition::A},
+         {QKeySequence::Undo, KeyPosition::Z},
+         {QKeySequence::Cut, KeyPosition::X},
+         {QKeySequence::Copy, KeyPosition::C},
+         {QKeySequence::Paste, KeyPosition::V}}};
+    for (const auto& [shortcut, position] : MEANINGS) {
+        if (event.matches(shortcut)) {
+            return position;
+        }
+    }
+    return KeyPosition::Other;
+}
+
+KeyPosition meantPosition(const QKeyEvent& event) {
+    return comesFromKeyboard(event) ? keyPosition(event) : positionByMeaning(event);
+}
+
 // What the toolkit would do by the characters on the keys.
 bool isEditingShortcut(const QKeyEvent& event) {
+    if (event.key() == Qt::Key_Insert) {
+        return false; // has its meaning on every layout
+    }
     constexpr std::array SHORTCUTS{QKeySequence::SelectAll, QKeySequence::Undo,
                                    QKeySequence::Redo,      QKeySequence::Cut,
                                    QKeySequence::Copy,      QKeySequence::Paste};
@@ -77,10 +101,10 @@ bool NSNonMenuTextView::performKeyEquivalent(QKeyEvent* event) {
     }
     QWidget* firstResponder = window()->focusWidget();
     if (auto* plainView = qobject_cast<QPlainTextEdit*>(firstResponder)) {
-        return act(*plainView, keyPosition(*event));
+        return act(*plainView, meantPosition(*event));
     }
     if (auto* richView = qobject_cast<QTextEdit*>(firstResponder)) {
-        return act(*richView, keyPosition(*event));
+        return act(*richView, meantPosition(*event));
     }
     return false;
 }
@@ -90,7 +114,7 @@ bool NSNonMenuTextView::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
         if (hasCommand(key)) {
-            event->setAccepted(keyPosition(key) != KeyPosition::Other);
+            event->setAccepted(meantPosition(key) != KeyPosition::Other);
             return true;
         }
     }

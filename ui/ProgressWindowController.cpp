@@ -10,11 +10,18 @@
 #include "ui_ProgressWindowController.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace flashwriter {
 
+namespace {
+
+constexpr std::chrono::milliseconds ADVICE_PATIENCE{300};
+
+} // namespace
+
 ProgressWindowController::ProgressWindowController(const MainThreadQueue& mainThread)
-    : m_mainThread(mainThread), m_resultWindow(mainThread) {}
+    : m_mainThread(mainThread), m_resultWindow(mainThread), m_adviceLookup(mainThread) {}
 
 ProgressWindowController::~ProgressWindowController() {
     delete m_window.data();
@@ -58,10 +65,20 @@ void ProgressWindowController::showProgress(const QString& text, int percentage)
     }
 }
 
-// Port and file are looked at here, on the thread of the write: a file on a disk that has gone
-// could keep the windows waiting.
+// A failure's advice is looked up before the window appears, if that goes quickly; a file on a disk
+// that has gone must not keep the result from the person.
 std::uint64_t ProgressWindowController::setResult(_CONTEXTINFO context) {
-    m_resultWindow.setAdvice(failureAdvice(*context.pResultInfo, failureFacts(context)));
+    m_resultWindow.setAdvice("");
+    _RESULTINFO result = *context.pResultInfo;
+    if (result.Result != RESULT_OK) {
+        const auto look = [context, result]() mutable {
+            context.pResultInfo = &result;
+            return failureAdvice(result, failureFacts(context));
+        };
+        m_adviceLookup.ask(
+            look, [this](const std::string& advice) { m_resultWindow.setAdvice(advice); },
+            ADVICE_PATIENCE);
+    }
     return m_resultWindow.setResult(context);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sequence/ProgressWindow.h"
+#include "ui/Lookup.h"
 #include "ui/MainThreadQueue.h"
 #include "ui/ResultWindowController.h"
 #include "ui/SheetWindow.h"
@@ -49,6 +50,7 @@ private:
 
     const MainThreadQueue& m_mainThread;
     ResultWindowController m_resultWindow;
+    Lookup m_adviceLookup;      // used on the thread of the write
     QRectF m_parentWindowsRect; // zero, and of no use
     QPointer<NSFileDropWindow> m_mainWindow;
     QPointer<SheetWindow> m_window; // goes with the main window

@@ -4,6 +4,7 @@
 #include "sequence/context/ResultMessage.h"
 #include "ui/AnnouncedText.h"
 #include "ui/Keyboard.h"
+#include "ui/ReturnKey.h"
 #include "ui_ResultWindowController.h"
 
 #include <QStyle>
@@ -40,6 +41,7 @@ void ResultWindowController::runModal(QWidget* mainWindow) {
     if (window.parentWidget() != mainWindow) {
         window.setParent(mainWindow, window.windowFlags());
     }
+    m_ui->okButton->setFocus();
     window.adjustSize();
     window.makeCenteringPoint(mainWindow != nullptr ? QRectF(mainWindow->frameGeometry())
                                                     : QRectF());
@@ -67,6 +69,7 @@ void ResultWindowController::loadWindow() {
     m_ui = std::make_unique<Ui::ResultWindowController>();
     m_ui->setupUi(m_resultWindow);
     resultMessage = m_ui->resultMessage;
+    ignoreRepeatedReturn(*m_ui->okButton);
     QObject::connect(m_ui->okButton, &QPushButton::clicked, m_resultWindow,
                      [this] { pushOK(m_ui->okButton); });
     QObject::connect(m_resultWindow, &QDialog::finished, m_resultWindow,

@@ -24,16 +24,31 @@ void SheetWindow::beginSheet(NSFileDropWindow& mainWindow) {
         setParent(&mainWindow, SHEET);
         setWindowModality(Qt::WindowModal);
     }
+    mainWindow.installEventFilter(this);
     adjustSize();
-    const QRect form = mainWindow.geometry();
-    move(form.center().x() - width() / 2, form.top());
+    place();
     mainWindow.setSheetUp(true);
     show();
+}
+
+// At the upper edge of the main window's contents, in the middle.
+void SheetWindow::place() {
+    const QRect form = parentWidget()->geometry();
+    move(form.center().x() - width() / 2, form.top());
+}
+
+bool SheetWindow::eventFilter(QObject* watched, QEvent* event) {
+    const bool hasMoved = event->type() == QEvent::Move || event->type() == QEvent::Resize;
+    if (watched == parentWidget() && hasMoved && isVisible()) {
+        place();
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void SheetWindow::endSheet() {
     hide();
     if (auto* mainWindow = dynamic_cast<NSFileDropWindow*>(parentWidget())) {
+        mainWindow->removeEventFilter(this);
         mainWindow->setSheetUp(false);
     }
 }

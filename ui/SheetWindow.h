@@ -17,10 +17,15 @@ public:
     void beginSheet(NSFileDropWindow& mainWindow);
     void endSheet();
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 protected:
     void reject() override;
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    void place();
 };
 
 } // namespace flashwriter

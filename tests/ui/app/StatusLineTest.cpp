@@ -46,7 +46,7 @@ private slots:
     void saysNothingBeforeItIsTold();
     void saysWhatStandsInTheWay();
     void looksOnceForManyChanges();
-    void holdsATextUntilItIsEmpty();
+    void holdsATextUntilItIsReleased();
     void aTextThatIsHeldOutlastsALookUnderWay();
     void mayGoWhileALookIsUnderWay();
     void goesOnWithoutAThread();
@@ -88,7 +88,7 @@ void StatusLineTest::looksOnceForManyChanges() {
     QCOMPARE(form.looks, 1);
 }
 
-void StatusLineTest::holdsATextUntilItIsEmpty() {
+void StatusLineTest::holdsATextUntilItIsReleased() {
     StatusFixture form;
     form.line->refresh();
     form.line->hold("Busy.");
@@ -99,8 +99,8 @@ void StatusLineTest::holdsATextUntilItIsEmpty() {
     QCOMPARE(form.label.text(), "Busy.");
     form.line->hold("Still busy.");
     QCOMPARE(form.label.text(), "Still busy.");
-    form.line->hold("");
-    QCOMPARE(form.label.text(), "Still busy."); // until it has looked
+    form.line->release();
+    QCOMPARE(form.label.text(), ""); // until it has looked
     QTRY_COMPARE(form.label.text(), NO_SPEED);
 }
 
@@ -137,7 +137,7 @@ void StatusLineTest::goesOnWithoutAThread() {
         QTest::qWaitFor([&] { return DiagnosticLines::all().size() == 1; }, 5000);
     failThreadCreation = false;
     QVERIFY(hasFailed);
-    QVERIFY(DiagnosticLines::all()[0].starts_with("status line: "));
+    QVERIFY(DiagnosticLines::all()[0].starts_with("lookup: "));
     QVERIFY(form.label.text().isEmpty());
     form.line->refresh();
     QTRY_COMPARE(form.label.text(), NO_SPEED);

@@ -149,7 +149,7 @@ void MainWindowTest::hasNoLetterTwice() {
         }
     }
     QCOMPARE(letters.size(), count);
-    QCOMPARE(count, 10);
+    QCOMPARE(count, 11);
 }
 
 void MainWindowTest::leadsFromLabelsToTheirFields() {
@@ -158,6 +158,7 @@ void MainWindowTest::leadsFromLabelsToTheirFields() {
     QCOMPARE(control<QLabel>("filePathLabel")->buddy(), control<QWidget>("filePathTextField"));
     QCOMPARE(control<QLabel>("monitorBaudRateLabel")->buddy(),
              control<QWidget>("monitorBaudRateComboBox"));
+    QCOMPARE(control<QLabel>("logLabel")->buddy(), control<QWidget>("logDispTextView"));
 }
 
 void MainWindowTest::isGoneThroughAsItIsRead() {

@@ -83,7 +83,7 @@ void ImageOpenPanelTest::saysWhatItIsFor() {
     QCOMPARE(m_panel->fileMode(), QFileDialog::ExistingFile);
     QCOMPARE(m_panel->acceptMode(), QFileDialog::AcceptOpen);
     QCOMPARE(m_panel->labelText(QFileDialog::Accept), QString("Select"));
-    QCOMPARE(m_panel->nameFilters(), QStringList("Images (*.bin *.mot)"));
+    QCOMPARE(m_panel->nameFilters(), QStringList("Images (*.bin *.mot *.BIN *.MOT)"));
 }
 
 void ImageOpenPanelTest::closesOnAnImage_data() {

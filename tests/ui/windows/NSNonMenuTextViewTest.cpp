@@ -25,6 +25,7 @@ private slots:
     void looksAtCommandPressesOnly();
     void takesOtherModifiersBesideCommand();
     void knowsNoOtherKey();
+    void goesByTheMeaningOfAKeyWithoutAPosition();
     void worksOnTheViewWithTheFocus_data();
     void worksOnTheViewWithTheFocus();
     void leavesALineAlone();
@@ -143,8 +144,14 @@ void NSNonMenuTextViewTest::knowsNoOtherKey() {
     select(4, 7);
     QVERIFY(!perform(SCAN_B, Qt::Key_B));
     QVERIFY(!perform(SCAN_I, Qt::Key_C)); // a layout that has its C there
-    QVERIFY(!perform(0, Qt::Key_C));
     QCOMPARE(clipboard(), QString("before"));
+}
+
+void NSNonMenuTextViewTest::goesByTheMeaningOfAKeyWithoutAPosition() {
+    select(4, 7);
+    QVERIFY(!perform(0, Qt::Key_B));
+    QVERIFY(perform(0, Qt::Key_C));
+    QCOMPARE(clipboard(), QString("two"));
 }
 
 void NSNonMenuTextViewTest::worksOnTheViewWithTheFocus_data() {

@@ -1,0 +1,95 @@
+#include "ui/Lookup.h"
+
+#include "sequence/context/DiagnosticLog.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace flashwriter {
+
+namespace {
+
+constexpr long MOST_UNANSWERED = 8;
+
+} // namespace
+
+struct Lookup::Inquiry {
+    Question question;
+    Answer answer;
+    MainQueue queue;
+    std::atomic<bool> isWanted{true};
+
+    std::mutex mutex;
+    std::condition_variable answered;
+    bool isAnswered = false;
+    std::string text; // the answer, from then on
+
+    // Asks, and hands the answer to the main thread before it says that it is there.
+    static void run(const std::shared_ptr<Inquiry>& self) {
+        try {
+            self->text = self->question();
+            self->queue([self] { self->give(); });
+        } catch (const std::exception& error) {
+            diagnosticLog("lookup: %s", error.what());
+            self->isWanted = false;
+        }
+        const std::lock_guard lock(self->mutex);
+        self->isAnswered = true;
+        self->answered.notify_all();
+    }
+
+    // Main thread.
+    void give() {
+        if (isWanted.exchange(false)) {
+            answer(text);
+        }
+    }
+};
+
+Lookup::Lookup(const MainThreadQueue& mainThread)
+    : m_mainThread(mainThread), m_unanswered(std::make_shared<int>(0)) {}
+
+Lookup::~Lookup() {
+    forget();
+}
+
+bool Lookup::ask(Question question, Answer answer, std::chrono::milliseconds patience) {
+    forget();
+    if (m_unanswered.use_count() > MOST_UNANSWERED) {
+        return false;
+    }
+    const auto inquiry = std::make_shared<Inquiry>();
+    inquiry->question = std::move(question);
+    inquiry->answer = std::move(answer);
+    inquiry->queue = m_mainThread.queue();
+    try {
+        std::thread([inquiry, unanswered = m_unanswered] { Inquiry::run(inquiry); }).detach();
+    } catch (const std::system_error& error) {
+        diagnosticLog("lookup: %s", error.what());
+        return false;
+    }
+    m_last = inquiry;
+    if (waitFor(*inquiry, patience)) {
+        m_mainThread.run([inquiry] { inquiry->give(); });
+    }
+    return true;
+}
+
+bool Lookup::waitFor(Inquiry& inquiry, std::chrono::milliseconds patience) {
+    std::unique_lock lock(inquiry.mutex);
+    return inquiry.answered.wait_for(lock, patience, [&] { return inquiry.isAnswered; });
+}
+
+void Lookup::forget() {
+    if (m_last) {
+        m_last->isWanted = false;
+        m_last.reset();
+    }
+}
+
+} // namespace flashwriter
