@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/PortScan.h"
+#include "app/WarmFonts.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "serial/StandardStreams.h"
 #include "ui/NSFileDropWindow.h"
@@ -55,12 +56,14 @@ int runProgram(int argc, char** argv) {
     setDiagnosticSink(logToQt);
     keepNoSettings();
     int nameOnly = std::min(argc, 1);
+    const std::future<void> fonts = std::async(warmFonts);
     QApplication application(nameOnly, argv);
     // The commands that list the ports take as long as building the window does.
     std::future<PortScan> ports = std::async(scanPorts);
     nameProgram();
     QGuiApplication::setWindowIcon(programIcon());
     QApplication::setQuitOnLastWindowClosed(false);
+    fonts.wait();
 
     NSFileDropWindow mainWindow;
     AppDelegate delegate(mainWindow);

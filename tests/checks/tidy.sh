@@ -30,7 +30,7 @@ problems=0
 while read -r source; do
     if grep -qF "\"file\": \"$PWD/$source\"" build/asan/compile_commands.json; then
         sources+=("$source")
-    elif [[ $source == serial/platform/* ]]; then
+    elif [[ $source == serial/platform/* || $source == app/WarmFonts* ]]; then
         echo "left out, compiled on another system only: $source"
     else
         echo "FAILED: the build does not compile $source"
