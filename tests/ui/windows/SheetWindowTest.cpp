@@ -19,12 +19,18 @@ private slots:
     void keepsTheMainWindowFromBeingMinimised();
     void blocksTheMainWindowOnly();
     void hangsOnTheMainWindowsForm();
+    void followsTheMainWindow();
     void movesToAnotherMainWindow();
     void goesWithItsMainWindow();
     void isADialogToScreenReaders();
 
 private:
     void beginSheet();
+    bool hangs() const {
+        const QRect sheet = m_sheet->geometry();
+        const QRect form = m_main->geometry();
+        return sheet.top() == form.top() && qAbs(sheet.center().x() - form.center().x()) <= 1;
+    }
 
     std::unique_ptr<NSFileDropWindow> m_main;
     QPointer<SheetWindow> m_sheet; // belongs to the main window
@@ -110,9 +116,26 @@ void SheetWindowTest::blocksTheMainWindowOnly() {
 // In the middle of its upper edge.
 void SheetWindowTest::hangsOnTheMainWindowsForm() {
     beginSheet();
-    QCOMPARE(m_sheet->geometry().top(), m_main->geometry().top());
-    QVERIFY(qAbs(m_sheet->geometry().center().x() - m_main->geometry().center().x()) <= 1);
+    QVERIFY(hangs());
     QVERIFY(m_sheet->windowFlags().testFlag(Qt::FramelessWindowHint));
+}
+
+void SheetWindowTest::followsTheMainWindow() {
+    beginSheet();
+    m_main->move(180, 130);
+    QTRY_VERIFY(m_sheet->geometry().top() > 100 && hangs());
+    m_main->resize(700, 420);
+    QTRY_VERIFY(m_main->width() == 700 && hangs());
+    m_main->setGeometry(60, 50, 500, 380);
+    QTRY_VERIFY(m_main->width() == 500 && hangs());
+    m_sheet->endSheet();
+    const QRect before = m_sheet->geometry();
+    m_main->move(200, 90);
+    QTest::qWait(50);
+    QCOMPARE(m_sheet->geometry(), before);
+    QVERIFY(!m_sheet->isVisible());
+    beginSheet();
+    QVERIFY(hangs());
 }
 
 void SheetWindowTest::movesToAnotherMainWindow() {
