@@ -15,5 +15,24 @@ TEST(Printable, TakesControlCharactersOut) {
     EXPECT_EQ(printable(std::string_view("\0x", 2)), "?x");
 }
 
+TEST(Printable, TakesLineEndsOfEveryAlphabetOut) {
+    EXPECT_EQ(printable("a\u2028b\u2029c\u0085d"), "a?b?c?d");
+    EXPECT_EQ(printable("\u2028\u2028"), "??");
+}
+
+TEST(Printable, TakesChangesOfDirectionOut) {
+    EXPECT_EQ(printable("\u202A\u202B\u202C\u202D\u202E"), "?????");
+    EXPECT_EQ(printable("\u2066\u2067\u2068\u2069"), "????");
+    EXPECT_EQ(printable("image\u202Enib.exe"), "image?nib.exe");
+}
+
+// Their neighbours, and what only begins or ends with the same bytes.
+TEST(Printable, LeavesWhatIsNearThemAlone) {
+    for (const char* text : {"\u2027", "\u202F", "\u2065", "\u206A", "\u00A0", "\u00C5", "…",
+                             "\xE2\x80", "\x85", "עברית", "العربية"}) {
+        EXPECT_EQ(printable(text), text);
+    }
+}
+
 } // namespace
 } // namespace flashwriter
