@@ -72,7 +72,10 @@ void FileDropEndTest::endsWhenTheMouseMovesWithoutADrag_data() {
 
 void FileDropEndTest::endsWhenTheMouseMovesWithoutADrag() {
     QFETCH(const bool, isOverField);
-    QTest::mouseMove(m_window->windowHandle(), QPoint(1, 1));
+    QWidget other; // where the drag came from
+    other.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    QTest::mouseMove(other.windowHandle(), QPoint(1, 1));
     hover();
     const QPoint target =
         isOverField ? onField() : m_beside->mapTo(m_window.get(), m_beside->rect().center());

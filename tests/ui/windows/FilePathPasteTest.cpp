@@ -15,6 +15,7 @@ private slots:
     void takesAPath_data();
     void takesAPath();
     void replacesTheSelectionOnly();
+    void canBeUndone();
     void takesWhatIsTyped();
 
 private:
@@ -57,6 +58,14 @@ void FilePathPasteTest::replacesTheSelectionOnly() {
     QApplication::clipboard()->setText("y.bin\n");
     m_field->setText("/tmp/x.bin");
     m_field->setSelection(5, 5);
+    QTest::keyClick(m_field.get(), Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), QString("/tmp/y.bin"));
+}
+
+void FilePathPasteTest::canBeUndone() {
+    QApplication::clipboard()->setText("/tmp/y.bin\n");
+    m_field->setText("/tmp/x.bin");
+    m_field->selectAll();
     QTest::keyClick(m_field.get(), Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(m_field->text(), QString("/tmp/y.bin"));
     QTest::keyClick(m_field.get(), Qt::Key_Z, Qt::ControlModifier);

@@ -4,10 +4,11 @@
 
 #include <QLabel>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTest>
+#include <QTextLayout>
 #include <QTimer>
 
+#include <algorithm>
 #include <functional>
 
 namespace flashwriter::testing {
@@ -24,6 +25,22 @@ QString longName() {
         name += QString("x%1").arg(i);
     }
     return name.left(255);
+}
+
+// How wide the label's text is as the label breaks it, in pixels.
+qreal widestLine(const QLabel& label) {
+    QTextLayout layout(label.text(), label.font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WordWrap);
+    layout.setTextOption(option);
+    qreal widest = 0;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(label.width());
+        widest = std::max(widest, line.naturalTextWidth());
+    }
+    layout.endLayout();
+    return widest;
 }
 
 } // namespace
@@ -164,11 +181,7 @@ void ResultWindowTextTest::breaksALongName() {
         QString shown = text.text();
         QCOMPARE(shown.remove(QChar(MAY_BREAK)), advice);
         QVERIFY(text.height() >= text.heightForWidth(text.width()));
-        static const QRegularExpression breaks("[\\s\\x{200B}]");
-        for (const QString& piece : text.text().split(breaks)) {
-            QVERIFY2(text.fontMetrics().horizontalAdvance(piece) <= text.width(),
-                     qPrintable(piece));
-        }
+        QVERIFY(widestLine(text) <= text.width());
     });
 }
 
