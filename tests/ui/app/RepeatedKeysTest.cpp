@@ -68,6 +68,7 @@ private slots:
     void aHeldShortcutTogglesOnce();
     void repeatsAloneToggleNothing();
     void repeatsStartNoWrite();
+    void repeatsOfWritesLetterStartNoWrite();
     void returnInTheMonitorsSpeedOpens();
 };
 
@@ -136,6 +137,20 @@ void RepeatedKeysTest::repeatsStartNoWrite() {
     }
     QTest::keyClick(&main.path, Qt::Key_Return);
     QVERIFY(main.window.isSheetUp());
+}
+
+// Alt+W, held until the result of the write that it started has been closed.
+void RepeatedKeysTest::repeatsOfWritesLetterStartNoWrite() {
+    KeysFixture main;
+    main.choosePort("/dev/none");
+    QVERIFY(main.focus(main.path));
+    const ResultWindowAnswer answer;
+    repeat(main.path, Qt::Key_W, Qt::AltModifier, "w");
+    QTest::qWait(300); // the button takes a moment to be seen pressed
+    QCOMPARE(answer.messages.size(), 0);
+    QVERIFY(!main.window.isSheetUp());
+    QTest::keyClick(&main.path, Qt::Key_W, Qt::AltModifier);
+    QTRY_COMPARE(answer.messages.size(), 1);
 }
 
 void RepeatedKeysTest::returnInTheMonitorsSpeedOpens() {
