@@ -28,8 +28,11 @@ void forgetItemWhenTyped(QComboBox& comboBox) {
             return;
         }
         const int cursor = field.cursorPosition();
-        comboBox.setCurrentIndex(-1);
-        comboBox.setEditText(text);
+        const QString item = comboBox.itemText(comboBox.currentIndex());
+        comboBox.setCurrentIndex(-1); // which empties the field
+        field.setText(item);
+        field.selectAll();
+        field.insert(text); // again, so that it can be undone
         field.setCursorPosition(cursor);
     });
 }

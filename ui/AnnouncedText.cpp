@@ -4,7 +4,7 @@ namespace flashwriter {
 
 namespace {
 
-constexpr int LONGEST_RUN = 60; // characters without a place to break the line
+constexpr int LONGEST_RUN = 40; // characters without a place to break the line
 
 // Long names would push a window beyond the screen's edge.
 QString breakable(const QString& text) {

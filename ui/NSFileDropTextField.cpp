@@ -2,12 +2,17 @@
 
 #include "targetfile/FileFacts.h"
 
+#include <QClipboard>
 #include <QDragEnterEvent>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QPainter>
 #include <QSysInfo>
 #include <QUrl>
+
+#include <algorithm>
+#include <iterator>
 
 namespace flashwriter {
 
@@ -35,6 +40,14 @@ QString pathOfPasted(const QString& text) {
     return line.startsWith("file://") ? pathOf(QUrl(line)) : line;
 }
 
+// How much of the later text is not in the earlier one, where one place was changed.
+qsizetype sizeOfInserted(const QString& before, const QString& after) {
+    const auto start = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto end = std::mismatch(before.rbegin(), std::make_reverse_iterator(start.first),
+                                   after.rbegin(), std::make_reverse_iterator(start.second));
+    return end.second.base() - start.second;
+}
+
 bool isImageName(const QString& path) {
     return imageKind(path.toStdString()) != ImageKind::Other;
 }
@@ -47,13 +60,27 @@ NSFileDropTextField::NSFileDropTextField(QWidget* parent) : QLineEdit(parent) {
 
 void NSFileDropTextField::awakeFromNib() {
     setAcceptDrops(true);
-    connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
-        const QString path = pathOfPasted(text);
-        if (path != text) {
-            setText(path);
-        }
-    });
+    connect(this, &QLineEdit::textEdited, this, [this] { tidyPasted(); });
+    connect(this, &QLineEdit::textChanged, this, [this](const QString& text) { m_text = text; });
     m_isDragging = false;
+}
+
+// The text may have been pasted from either clipboard, and into another one. The clipboards are not
+// asked while somebody types: their owners may take their time to answer.
+void NSFileDropTextField::tidyPasted() {
+    const QString pasted = text();
+    if (sizeOfInserted(m_text, pasted) <= 1) {
+        return;
+    }
+    for (const auto clipboard : {QClipboard::Clipboard, QClipboard::Selection}) {
+        const QString copied = QGuiApplication::clipboard()->text(clipboard);
+        const QString path = pathOfPasted(copied);
+        if (path != copied && pasted.contains(copied)) {
+            undo();
+            insert(path);
+            return;
+        }
+    }
 }
 
 QStringList NSFileDropTextField::fileListInDraggingInfo(const QMimeData& dragging) {

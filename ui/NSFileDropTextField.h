@@ -45,8 +45,10 @@ protected:
 
 private:
     void awakeFromNib();
+    void tidyPasted();
 
     bool m_isDragging = false;
+    QString m_text;          // before the edit that is being told
     bool m_hadFocus = false; // before a drag disabled the line
 };
 

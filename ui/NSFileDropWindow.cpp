@@ -70,6 +70,13 @@ bool NSFileDropWindow::event(QEvent* event) {
     if (hasNoDrag && !m_trgetTextField.isNull() && m_trgetTextField->isDragging()) {
         m_trgetTextField->draggingExited();
     }
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (key.isAutoRepeat() && key.modifiers().testFlag(Qt::AltModifier)) {
+            event->accept(); // one press of a button for one press of its letter
+            return true;
+        }
+    }
     return QMainWindow::event(event);
 }
 

@@ -69,6 +69,9 @@ void ResultWindowController::loadWindow() {
     m_ui = std::make_unique<Ui::ResultWindowController>();
     m_ui->setupUi(m_resultWindow);
     resultMessage = m_ui->resultMessage;
+    for (QLabel* text : {m_ui->resultMessage, m_ui->resultAdvice}) {
+        text->setFocusPolicy(Qt::StrongFocus); // to copy it without a mouse
+    }
     ignoreRepeatedReturn(*m_ui->okButton);
     QObject::connect(m_ui->okButton, &QPushButton::clicked, m_resultWindow,
                      [this] { pushOK(m_ui->okButton); });
