@@ -7,10 +7,11 @@ namespace flashwriter {
 
 namespace {
 
-// Characters of UTF-8 that end lines, or turn the direction of what stands around them.
+// Characters, as UTF-8, that end lines (U+0085, U+2028, U+2029) or turn the direction of what
+// stands around them (U+202A to U+202E, U+2066 to U+2069).
 constexpr std::array<std::string_view, 12> TURNING_OR_BREAKING{
-    "\u0085", "\u2028", "\u2029", "\u202A", "\u202B", "\u202C",
-    "\u202D", "\u202E", "\u2066", "\u2067", "\u2068", "\u2069"};
+    "\xC2\x85",     "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC",
+    "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
 
 bool isControl(char character) {
     return (character >= 0 && character < ' ') || character == 0x7F;
