@@ -122,9 +122,10 @@ void StatusLineTest::mayGoWhileALookIsUnderWay() {
         while (form.looks == 0) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
+        const QString before = form.label.text(); // a quick answer may be there already
         form.line.reset();
         QTest::qWait(20);
-        QVERIFY(form.label.text().isEmpty());
+        QCOMPARE(form.label.text(), before);
     }
 }
 
