@@ -20,7 +20,7 @@ trimmed() {
 
 is_there() {
     case $1 in
-    /*) [[ -e $1 ]] ;;
+    /*) compgen -G "$1" >/dev/null ;; # a pattern may stand for the machine's kind
     *) command -v "$1" >/dev/null ;;
     esac
 }
