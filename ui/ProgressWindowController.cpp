@@ -68,6 +68,7 @@ void ProgressWindowController::showProgress(const QString& text, int percentage)
 // A failure's advice is looked up before the window appears, if that goes quickly; a file on a disk
 // that has gone must not keep the result from the person.
 std::uint64_t ProgressWindowController::setResult(_CONTEXTINFO context) {
+    m_adviceLookup.forget(); // what is still on its way belongs to an earlier write
     m_resultWindow.setAdvice("");
     _RESULTINFO result = *context.pResultInfo;
     if (result.Result != RESULT_OK) {

@@ -1,0 +1,87 @@
+#include "ui/Lookup.h"
+
+#include <QTest>
+
+#include <future>
+#include <string>
+
+namespace flashwriter::testing {
+
+namespace {
+
+constexpr std::chrono::seconds LONG{20}; // which only a hang exceeds
+
+// A question that is answered when the test says so.
+class HeldQuestion {
+public:
+    Lookup::Question question() {
+        return [answer = m_answer.get_future().share()] { return answer.get(); };
+    }
+    void answer(const std::string& text) { m_answer.set_value(text); }
+
+private:
+    std::promise<std::string> m_answer;
+};
+
+} // namespace
+
+class LookupTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void givesAQuickAnswerBeforeItReturns();
+    void givesALateAnswerWhenItComes();
+    void givesNoAnswerThatIsForgotten();
+    void givesTheAnswerToTheLastQuestionOnly();
+
+private:
+    MainThreadQueue m_queue;
+};
+
+void LookupTest::givesAQuickAnswerBeforeItReturns() {
+    Lookup lookup(m_queue);
+    std::string given;
+    QVERIFY(
+        lookup.ask([] { return "quick"; }, [&](const std::string& text) { given += text; }, LONG));
+    QCOMPARE(given, std::string("quick"));
+    QTest::qWait(20);
+    QCOMPARE(given, std::string("quick")); // and only once
+}
+
+void LookupTest::givesALateAnswerWhenItComes() {
+    Lookup lookup(m_queue);
+    HeldQuestion held;
+    std::string given;
+    QVERIFY(lookup.ask(held.question(), [&](const std::string& text) { given = text; }));
+    QVERIFY(given.empty());
+    held.answer("late");
+    QTRY_COMPARE(given, std::string("late"));
+}
+
+void LookupTest::givesNoAnswerThatIsForgotten() {
+    Lookup lookup(m_queue);
+    HeldQuestion held;
+    std::string given;
+    QVERIFY(lookup.ask(held.question(), [&](const std::string& text) { given = text; }));
+    lookup.forget();
+    held.answer("late");
+    QTest::qWait(100);
+    QVERIFY(given.empty());
+}
+
+void LookupTest::givesTheAnswerToTheLastQuestionOnly() {
+    Lookup lookup(m_queue);
+    HeldQuestion held;
+    std::string given;
+    const auto note = [&](const std::string& text) { given += text; };
+    QVERIFY(lookup.ask(held.question(), note));
+    QVERIFY(lookup.ask([] { return "second"; }, note, LONG));
+    held.answer("first");
+    QTest::qWait(100);
+    QCOMPARE(given, std::string("second"));
+}
+
+} // namespace flashwriter::testing
+
+QTEST_MAIN(flashwriter::testing::LookupTest)
+#include "LookupTest.moc"
