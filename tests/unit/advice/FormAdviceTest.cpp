@@ -1,4 +1,5 @@
 #include "advice/FormAdvice.h"
+#include "tests/unit/advice/AdviceFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -12,19 +13,14 @@ using ::testing::HasSubstr;
 
 // A form that is filled in as it should be.
 FormFacts goodForm() {
+    const FailureFacts good = goodFacts();
     FormFacts facts;
-    facts.portPath = "/dev/ttyUSB0";
-    facts.port.state = PortState::Permitted;
-    facts.port.user = "ada";
-    facts.port.group = "dialout";
-    facts.port.groupMayUse = true;
-    facts.port.membership = GroupMembership::Active;
-    facts.ports = {"/dev/ttyACM0", "/dev/ttyUSB0"};
+    facts.portPath = good.portPath;
+    facts.port = good.port;
+    facts.ports = good.ports;
     facts.speedChosen = true;
-    facts.filePath = "image.bin";
-    facts.file.state = FileState::Readable;
-    facts.file.size = 1500;
-    facts.file.kind = ImageKind::Bin;
+    facts.filePath = good.filePath;
+    facts.file = good.file;
     return facts;
 }
 
