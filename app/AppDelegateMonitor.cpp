@@ -31,7 +31,6 @@ constexpr int LOG_LIMIT = 65536;          // characters that the monitor leaves 
 constexpr std::size_t CHUNK_SIZE = 65536; // bytes that one tick takes at most
 constexpr std::chrono::milliseconds TICK{50};
 constexpr std::chrono::milliseconds READING_PAUSE{100};
-constexpr std::chrono::milliseconds ADVICE_PATIENCE{300};
 
 // Opening keeps the main thread busy: the person sees that something is being done.
 class BusyCursor {

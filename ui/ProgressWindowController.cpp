@@ -10,15 +10,8 @@
 #include "ui_ProgressWindowController.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace flashwriter {
-
-namespace {
-
-constexpr std::chrono::milliseconds ADVICE_PATIENCE{300};
-
-} // namespace
 
 ProgressWindowController::ProgressWindowController(const MainThreadQueue& mainThread)
     : m_mainThread(mainThread), m_resultWindow(mainThread), m_adviceLookup(mainThread) {}

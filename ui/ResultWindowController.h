@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,6 +19,9 @@ class ResultWindowController;
 }
 
 namespace flashwriter {
+
+// How long a result waits for its advice at the most; what comes later is shown when it comes.
+inline constexpr std::chrono::milliseconds ADVICE_PATIENCE{300};
 
 // The window that says how a write ended, or why the serial monitor did not open. It is loaded when
 // it is first asked for. Main thread, but for what says otherwise.

@@ -1,7 +1,10 @@
 // Key presses as a window system reports them: what the layout makes of a key, and where it is.
 #pragma once
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPlainTextEdit>
 
 namespace flashwriter::testing {
 
@@ -21,6 +24,16 @@ inline QKeyEvent keyEvent(quint32 scanCode, Qt::Key key, const QString& text = {
                           Qt::KeyboardModifiers modifiers = Qt::ControlModifier,
                           QEvent::Type type = QEvent::KeyPress) {
     return {type, key, modifiers, scanCode, 0, 0, text};
+}
+
+// Puts "one two three" into the view, the second word selected, and "before" into the clipboard.
+inline void prepareThreeWords(QPlainTextEdit& view) {
+    view.setPlainText("one two three");
+    QTextCursor cursor = view.textCursor();
+    cursor.setPosition(4);
+    cursor.setPosition(7, QTextCursor::KeepAnchor);
+    view.setTextCursor(cursor);
+    QGuiApplication::clipboard()->setText("before");
 }
 
 } // namespace flashwriter::testing

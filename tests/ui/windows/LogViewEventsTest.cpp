@@ -49,17 +49,12 @@ private:
 
 void LogViewEventsTest::init() {
     m_view = std::make_unique<NSNonMenuTextView>();
-    m_view->setPlainText("one two three");
     m_view->resize(300, 100);
     m_view->show();
     m_view->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
     m_view->setFocus();
-    QTextCursor cursor = m_view->textCursor();
-    cursor.setPosition(4);
-    cursor.setPosition(7, QTextCursor::KeepAnchor);
-    m_view->setTextCursor(cursor);
-    QApplication::clipboard()->setText("before");
+    prepareThreeWords(*m_view);
 }
 
 void LogViewEventsTest::doesTheShortcutsOfKeysPressed() {

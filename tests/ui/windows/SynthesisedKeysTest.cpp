@@ -32,16 +32,11 @@ private:
 
 void SynthesisedKeysTest::init() {
     m_view = std::make_unique<NSNonMenuTextView>();
-    m_view->setPlainText("one two three");
     m_view->show();
     m_view->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
     m_view->setFocus();
-    QTextCursor cursor = m_view->textCursor();
-    cursor.setPosition(4);
-    cursor.setPosition(7, QTextCursor::KeepAnchor);
-    m_view->setTextCursor(cursor);
-    QApplication::clipboard()->setText("before");
+    prepareThreeWords(*m_view);
 }
 
 void SynthesisedKeysTest::doWhatTheyStandFor() {
