@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# clang-tidy finds nothing in the program's and the board's own sources, compiled as in build/asan.
+# clang-tidy finds nothing in the program's and the board's own sources, compiled as in the preset asan, but one by one.
 # With arguments, only these files.
 #
 # Most of its checks walk through every header that a source includes, the same ones again and again,
@@ -12,23 +12,26 @@ command -v clang-tidy >/dev/null || { echo "FAILED: clang-tidy is not installed"
 
 log=build/tidy.log
 mkdir -p build
-if ! cmake --preset asan >"$log" 2>&1; then
+if ! cmake --preset asan -B build/lint -D CMAKE_UNITY_BUILD=OFF \
+    -D FLASHWRITER_BUILD_TESTS=OFF -D FLASHWRITER_BUILD_BENCHMARKS=ON >"$log" 2>&1; then
     cat "$log"
     echo "FAILED: the build that says how to compile each source cannot be configured"
     exit 1
 fi
-# Sources that include generated headers need these first.
-mapfile -t generated < <(ninja -C build/asan -t targets all | sed -nE 's/^([^/: ]+_autogen): phony$/\1/p')
-if ((${#generated[@]} > 0)) && ! ninja -C build/asan "${generated[@]}" >"$log" 2>&1; then
-    cat "$log"
-    echo "FAILED: generated headers cannot be made"
-    exit 1
-fi
+# Sources that include generated headers need these first; a build of what makes them would also
+# build every library that they are linked with.
+while read -r description; do
+    if ! cmake -E cmake_autogen "$description" "" >"$log" 2>&1; then
+        cat "$log"
+        echo "FAILED: generated headers cannot be made"
+        exit 1
+    fi
+done < <(find build/lint -name AutogenInfo.json)
 
 sources=()
 problems=0
 while read -r source; do
-    if grep -qF "\"file\": \"$PWD/$source\"" build/asan/compile_commands.json; then
+    if grep -qF "\"file\": \"$PWD/$source\"" build/lint/compile_commands.json; then
         sources+=("$source")
     elif [[ $source == serial/platform/* || $source == app/WarmFonts* ]]; then
         echo "left out, compiled on another system only: $source"
@@ -66,10 +69,10 @@ done
     echo '['
     separator=""
     for name in "${!first[@]}"; do
-        command=$(grep -F -B 2 "\"file\": \"$PWD/${first[$name]}\"" build/asan/compile_commands.json |
+        command=$(grep -F -B 2 "\"file\": \"$PWD/${first[$name]}\"" build/lint/compile_commands.json |
             sed -nE 's/^ *"command": "(.*)",$/\1/p' | head -n 1)
         unit="$PWD/build/tidy/${name%.cpp}.cpp"
-        printf '%s{"directory": "%s/build/asan", "file": "%s", "command": "%s"}\n' \
+        printf '%s{"directory": "%s/build/lint", "file": "%s", "command": "%s"}\n' \
             "$separator" "$PWD" "$unit" "${command//$PWD\/${first[$name]}/$unit}"
         separator=","
     done
@@ -79,6 +82,6 @@ done
 echo "${#sources[@]} sources"
 {
     printf 'build/tidy\0%s\0' build/tidy/*.cpp
-    printf 'build/asan\0%s\0' "${sources[@]}" # printf takes both again for each further one
+    printf 'build/lint\0%s\0' "${sources[@]}" # printf takes both again for each further one
 } | xargs -0 -P "$(nproc)" -n 2 tests/checks/tidy-one.sh || problems=1
 ((problems == 0))

@@ -20,7 +20,7 @@ inline std::uint8_t complementOf(const Bytes& bytes) {
     return static_cast<std::uint8_t>((256U - sum % 256U) % 256U);
 }
 
-class Codec : public testing::Test {
+class Codec : public ::testing::Test {
 protected:
     Codec() {
         EXPECT_EQ(codec.Initialize(), RESULT_OK);

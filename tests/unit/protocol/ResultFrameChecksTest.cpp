@@ -40,7 +40,7 @@ Bytes checkChecksum(const NSCommandProcessor& codec, ResultCode& result) {
     return out;
 }
 
-class ResultFrameCheck : public Codec, public testing::WithParamInterface<ResultFrame> {
+class ResultFrameCheck : public Codec, public ::testing::WithParamInterface<ResultFrame> {
 protected:
     static Bytes numbers(std::size_t count) {
         Bytes data(count);
@@ -129,9 +129,9 @@ TEST_P(ResultFrameCheck, StaysInsideTheBufferForTheLongestLength) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ResultFrameCheck,
-                         testing::Values(ResultFrame{"SecurityGet", 8, checkSecurityGet},
-                                         ResultFrame{"SiliconSignature", 22, checkSignature},
-                                         ResultFrame{"Checksum", 2, checkChecksum}),
+                         ::testing::Values(ResultFrame{"SecurityGet", 8, checkSecurityGet},
+                                           ResultFrame{"SiliconSignature", 22, checkSignature},
+                                           ResultFrame{"Checksum", 2, checkChecksum}),
                          [](const auto& frame) { return std::string(frame.param.name); });
 
 using ResultFrameContent = Codec;

@@ -15,7 +15,7 @@ void PrintTo(const StatusOperation& operation, std::ostream* out) {
     *out << operation.name;
 }
 
-class StatusCheck : public Codec, public testing::WithParamInterface<StatusOperation> {
+class StatusCheck : public Codec, public ::testing::WithParamInterface<StatusOperation> {
 protected:
     void expectStatus(const Bytes& frame, std::uint8_t expected) {
         receive(frame);
@@ -74,7 +74,7 @@ TEST_P(StatusCheck, SurvivesTheLongestLength) {
 
 INSTANTIATE_TEST_SUITE_P(
     Exchanges, StatusCheck,
-    testing::Values(
+    ::testing::Values(
         StatusOperation{"checkStatus", &NSCommandProcessor::checkStatus},
         StatusOperation{"CheckStatus", &NSCommandProcessor::CheckStatus},
         StatusOperation{"CheckResetStatus", &NSCommandProcessor::CheckResetStatus},

@@ -4,7 +4,7 @@
 namespace flashwriter {
 namespace {
 
-class Uninitialized : public testing::Test {
+class Uninitialized : public ::testing::Test {
 protected:
     void expectRefused(ResultCode result) {
         EXPECT_EQ(result, RESULT_INIT_FAILED);

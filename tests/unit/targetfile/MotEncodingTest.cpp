@@ -6,23 +6,21 @@ namespace {
 
 using MotEncoding = MotFixture;
 
-const std::string good = motLine(1, 0, counting(4)) + "\n";
-
 TEST_F(MotEncoding, SkipsAByteOrderMark) {
-    ASSERT_EQ(read("\xEF\xBB\xBF" + good), RESULT_OK);
+    ASSERT_EQ(read("\xEF\xBB\xBF" + m_good), RESULT_OK);
     EXPECT_EQ(program(), counting(4));
-    EXPECT_EQ(read(good + "\xEF\xBB\xBF" + good), RESULT_UNSUPPORTED_FORMAT)
+    EXPECT_EQ(read(m_good + "\xEF\xBB\xBF" + m_good), RESULT_UNSUPPORTED_FORMAT)
         << "anywhere else it is a character like any other";
 }
 
 TEST_F(MotEncoding, ReadsTextBesideTheRecords) {
-    ASSERT_EQ(read("S0エラー：ファイル名\n" + good + "S9030000FC ← 終わり\n"), RESULT_OK);
+    ASSERT_EQ(read("S0エラー：ファイル名\n" + m_good + "S9030000FC ← 終わり\n"), RESULT_OK);
     EXPECT_EQ(program(), counting(4));
 }
 
 TEST_F(MotEncoding, CountsTheCharactersOfALine) {
-    ASSERT_EQ(read("エラーエラーエラー\n" + good), RESULT_OK) << "nine characters, 27 bytes";
-    EXPECT_EQ(read("エラーエラーエラー！\n" + good), RESULT_UNSUPPORTED_FORMAT);
+    ASSERT_EQ(read("エラーエラーエラー\n" + m_good), RESULT_OK) << "nine characters, 27 bytes";
+    EXPECT_EQ(read("エラーエラーエラー！\n" + m_good), RESULT_UNSUPPORTED_FORMAT);
 }
 
 TEST_F(MotEncoding, FindsFieldsBehindACharacterOfSeveralBytes) {
@@ -42,7 +40,7 @@ TEST_F(MotEncoding, ReadsALongRecordOfWideCharacters) {
     for (int i = 0; i < 251; ++i) {
         line += "5\xF0\x9F\x98\x80";
     }
-    ASSERT_EQ(read(line + "A7 and a checksum behind\n" + good), RESULT_OK);
+    ASSERT_EQ(read(line + "A7 and a checksum behind\n" + m_good), RESULT_OK);
     Bytes expected(252, 0x05);
     std::ranges::copy(counting(4), expected.begin());
     expected[251] = 0xA7;
@@ -53,10 +51,10 @@ TEST_F(MotEncoding, RefusesTextThatIsNotUtf8) {
     for (const char* bad : {"\xFF", "\x80", "\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80",
                             "\xF4\x90\x80\x80", "\xF0\x8F\xBF\xBF", "\xC3", "\xFE\xFFS"}) {
         load();
-        EXPECT_EQ(read(good + bad), RESULT_FILE_READ_FAILED) << testing::PrintToString(bad);
+        EXPECT_EQ(read(m_good + bad), RESULT_FILE_READ_FAILED) << testing::PrintToString(bad);
         expectEmpty();
-        EXPECT_EQ(read(bad + ("\n" + good)), RESULT_FILE_READ_FAILED);
-        EXPECT_EQ(read(good + motText({std::string("S0").append(bad), good})),
+        EXPECT_EQ(read(bad + ("\n" + m_good)), RESULT_FILE_READ_FAILED);
+        EXPECT_EQ(read(m_good + motText({std::string("S0").append(bad), m_good})),
                   RESULT_FILE_READ_FAILED);
     }
 }
@@ -75,7 +73,7 @@ TEST_F(MotEncoding, OutweighsEveryOtherOutcome) {
 
 TEST_F(MotEncoding, TakesANulForACharacter) {
     EXPECT_EQ(read(std::string(100, '\0')), RESULT_UNSUPPORTED_FORMAT);
-    ASSERT_EQ(read(std::string("\0\0\n", 3) + good), RESULT_OK);
+    ASSERT_EQ(read(std::string("\0\0\n", 3) + m_good), RESULT_OK);
     ASSERT_EQ(read(std::string("S1050000A\0BB\n", 13)), RESULT_OK);
     EXPECT_EQ(program(), (Bytes{0x0A, 0xBB}));
 }

@@ -14,7 +14,7 @@
 
 namespace flashwriter {
 
-class MotFixture : public testing::Test {
+class MotFixture : public ::testing::Test {
 protected:
     MotFixture() {
         s_current = this;
@@ -33,7 +33,7 @@ protected:
     ResultCode read(std::string_view contents) { return m_file.ReadFile(write(contents)); }
 
     // Reads a file of four counting bytes.
-    void load() { ASSERT_EQ(read(motLine(1, 0, counting(4))), RESULT_OK); }
+    void load() { ASSERT_EQ(read(m_good), RESULT_OK); }
 
     Bytes program() const {
         return {m_file.GetProgramMemory(),
@@ -53,6 +53,8 @@ protected:
     // The last line of the diagnostic log.
     const std::string& log() const { return m_log; }
 
+    // A record of four bytes, with its line end.
+    const std::string m_good = motLine(1, 0, counting(4)) + "\n";
     TempDir m_directory;
     NSTargetFileForMot m_file;
     // Called when the first pass logs what it measured: the second has not opened the file yet.

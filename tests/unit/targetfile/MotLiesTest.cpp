@@ -8,8 +8,6 @@ namespace {
 
 using MotLies = MotFixture;
 
-const std::string good = motLine(1, 0, counting(4)) + "\n";
-
 TEST_F(MotLies, ReadsDigitsThatTheLineLacksAsZero) {
     ASSERT_EQ(read("S10F0000AABBCCD\n"), RESULT_OK);
     EXPECT_EQ(program(), (Bytes{0xAA, 0xBB, 0xCC, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0}));
@@ -30,13 +28,13 @@ TEST_F(MotLies, TrustsAByteCountThatEndsBeforeTheLine) {
 }
 
 TEST_F(MotLies, LetsARecordWithoutDataExtendTheImage) {
-    ASSERT_EQ(read("S1030010EC\n" + good), RESULT_OK);
+    ASSERT_EQ(read("S1030010EC\n" + m_good), RESULT_OK);
     EXPECT_EQ(m_file.GetProgramMemorySize(), 0x10U);
     EXPECT_EQ(m_file.GetProgramMemory()[4], 0xFF);
 }
 
 TEST_F(MotLies, RefusesAByteCountTooSmallForTheAddress) {
-    EXPECT_EQ(read("S1020100FC\n" + good), RESULT_UNSUPPORTED_FORMAT);
+    EXPECT_EQ(read("S1020100FC\n" + m_good), RESULT_UNSUPPORTED_FORMAT);
     EXPECT_EQ(m_file.GetProgramMemorySize(), 0xFFU) << "one byte short of its address";
     EXPECT_EQ(program(), Bytes(0xFF, 0xFF));
     EXPECT_EQ(read("S200000100FC\n"), RESULT_UNSUPPORTED_FORMAT);
@@ -57,10 +55,10 @@ TEST_F(MotLies, RefusesAnAddressThatWraps) {
     EXPECT_EQ(read("S315FFFFFFF0" + std::string(32, '0') + "00\n"), RESULT_UNSUPPORTED_FORMAT);
     EXPECT_EQ(log(), "0,0") << "the end is 0";
     expectEmpty();
-    EXPECT_EQ(read("S315FFFFFFF0" + std::string(32, '0') + "00\n" + good),
+    EXPECT_EQ(read("S315FFFFFFF0" + std::string(32, '0') + "00\n" + m_good),
               RESULT_UNSUPPORTED_FORMAT);
     EXPECT_EQ(program(), Bytes(4, 0xFF)) << "the end, 0, lies in code flash; the bytes do not";
-    EXPECT_EQ(read(good + "S317FFFFFFF0" + std::string(36, '0') + "00\n"),
+    EXPECT_EQ(read(m_good + "S317FFFFFFF0" + std::string(36, '0') + "00\n"),
               RESULT_UNSUPPORTED_FORMAT);
     EXPECT_EQ(program(), counting(4));
 }
@@ -76,7 +74,7 @@ TEST_F(MotLies, AcceptsAnExtentOfExactly16MiB) {
 TEST_F(MotLies, RefusesToAllocateMore) {
     for (const std::uint32_t address : {0xFFFFF1U, 0x1000000U, 0x7FFFFFFFU, 0xFFFFFFEFU}) {
         load();
-        EXPECT_EQ(read(good + motLine(3, address, counting(16))), RESULT_FILE_READ_FAILED)
+        EXPECT_EQ(read(m_good + motLine(3, address, counting(16))), RESULT_FILE_READ_FAILED)
             << address;
         expectEmpty();
     }
@@ -95,7 +93,7 @@ long peakMemory() {
 }
 
 TEST_F(MotLies, ReadsAFileOf4GiBInConstantMemory) {
-    const std::string path = write(good + "S0");
+    const std::string path = write(m_good + "S0");
     std::filesystem::resize_file(path, std::uintmax_t{1} << 32U);
     std::ofstream(path, std::ios::app) << "\n" << motLine(1, 4, counting(4, 4)) << "\n";
     const long before = peakMemory();
@@ -106,7 +104,7 @@ TEST_F(MotLies, ReadsAFileOf4GiBInConstantMemory) {
 
 TEST_F(MotLies, ReadsALineOfAnyLength) {
     const std::string zeros(1000000, '0');
-    ASSERT_EQ(read("S1FF0000" + zeros + "\n" + good), RESULT_OK);
+    ASSERT_EQ(read("S1FF0000" + zeros + "\n" + m_good), RESULT_OK);
     Bytes expected(252, 0);
     std::ranges::copy(counting(4), expected.begin());
     EXPECT_EQ(program(), expected);
