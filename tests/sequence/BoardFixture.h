@@ -3,6 +3,7 @@
 #include "board/VirtualBoard.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "tests/sequence/DriverRun.h"
+#include "tests/sequence/LogLines.h"
 #include "tests/support/ImageFile.h"
 
 #include <gtest/gtest.h>
@@ -16,17 +17,6 @@
 namespace flashwriter {
 
 using Bytes = std::vector<std::uint8_t>;
-
-// What a write says, in the words of the log view.
-inline const std::string MODE_LINE = "## Programming Mode\n";
-inline const std::string ERASE_LINE = "## Block Blank Check & Erace...";
-inline const std::string PROGRAM_LINE = "## Programming...";
-inline const std::string OK_TEXT = " OK\n";
-inline const std::string COMPLETE = "## Write Complete";
-inline const std::string FAILED = "## Write Failed";
-
-inline const std::vector<std::string> SUCCESS_LOG{MODE_LINE,    ERASE_LINE, OK_TEXT,
-                                                  PROGRAM_LINE, OK_TEXT,    COMPLETE};
 
 inline std::size_t entriesOf(const char* directory) {
     const std::filesystem::directory_iterator entries(directory);
@@ -59,6 +49,7 @@ protected:
         EXPECT_EQ(record.outcome.Result, record.returned);
         ASSERT_EQ(record.window->results.size(), 1U);
         EXPECT_EQ(record.window->outcomeWhenSet.Result, record.returned);
+        EXPECT_EQ(record.window->closingsWhenSet, 0);
         EXPECT_EQ(record.window->closings, 1);
         ASSERT_FALSE(record.log.empty());
         EXPECT_EQ(record.log.back(), record.returned == RESULT_OK ? COMPLETE : FAILED);

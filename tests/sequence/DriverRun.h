@@ -38,6 +38,7 @@ public:
     std::vector<_CONTEXTINFO> results; // one for each setResult()
     _RESULTINFO outcomeWhenSet{};      // what pResultInfo held then
     int closings = 0;
+    int closingsWhenSet = 0; // 0, because the result is there before the window closes
 };
 
 class RecordingDelegate : public NSSequenceProcessorDelegate,
@@ -55,7 +56,7 @@ struct RunRecord {
     std::shared_ptr<RecordingWindow> window;
 };
 
-// A context as the program fills it.
+// A context as the program fills it. Throws std::length_error for a path that does not fit.
 _CONTEXTINFO contextFor(const std::string& port, std::uint8_t baudRate, const std::string& file,
                         _RESULTINFO& outcome);
 
