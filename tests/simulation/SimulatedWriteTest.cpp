@@ -2,16 +2,10 @@
 #include "tests/simulation/SimulationFixture.h"
 
 #include <chrono>
-#include <ostream>
 
 namespace flashwriter::simulation {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
-
-void PrintTo(const VirtualTime& time, std::ostream* out) {
-    *out << static_cast<double>(time.count()) / 1e6 << " ms";
-}
 
 namespace {
 
