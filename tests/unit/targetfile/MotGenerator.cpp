@@ -17,7 +17,8 @@ constexpr std::array<char, 8> strangers = {'G', ' ', '\r', '\t', 'x', 'S', '\n',
 
 } // namespace
 
-// Not a standard distribution: a seed must mean the same file with every standard library.
+// Not a standard distribution: a seed must mean the same file with every standard library. And with
+// every compiler, so no two numbers are drawn in the arguments of one call.
 std::uint32_t MotGenerator::number(std::uint32_t below) {
     return static_cast<std::uint32_t>(m_random()) % below;
 }
@@ -83,7 +84,8 @@ std::string MotGenerator::line() {
     }
     std::string text = record();
     if (once(30)) {
-        text.append(2000 + number(1000), once(2) ? 'A' : ' ');
+        const char filler = once(2) ? 'A' : ' ';
+        text.append(2000 + number(1000), filler);
     }
     while (once(1 + m_rarity)) {
         spoil(text);
@@ -96,11 +98,12 @@ std::string MotGenerator::file() {
     const std::string lineEnd = once(3) ? "\r\n" : "\n";
     std::string text = once(6) ? "\xEF\xBB\xBF" : "";
     for (std::uint32_t lines = number(20); lines > 0; --lines) {
-        text += line() + (lines == 1 && once(2) ? "" : lineEnd);
+        text += line();
+        text += lines == 1 && once(2) ? "" : lineEnd;
     }
     if (once(12)) {
-        text.insert(number(static_cast<std::uint32_t>(text.size()) + 1),
-                    badBytes.at(number(badBytes.size())));
+        const std::size_t place = number(static_cast<std::uint32_t>(text.size()) + 1);
+        text.insert(place, badBytes.at(number(badBytes.size())));
     }
     return text;
 }
