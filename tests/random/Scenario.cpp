@@ -39,7 +39,8 @@ board::FlashOptions drawFlash(Dice& dice, const RandomFile& file) {
 void drawSignature(Dice& dice, board::TargetOptions& target) {
     std::ranges::generate(target.deviceCode, [&dice] { return dice.byte(); });
     std::ranges::generate(target.version, [&dice] { return dice.byte(); });
-    target.deviceName = std::string(dice.below(11), static_cast<char>(dice.between('A', 'Z')));
+    const std::uint32_t letters = dice.below(11);
+    target.deviceName.assign(letters, static_cast<char>(dice.between('A', 'Z')));
     if (dice.once(8)) {
         target.signatureDataEnd = dice.below(1U << 24);
     }
