@@ -30,6 +30,10 @@ function(flashwriter_library name)
   add_library(flashwriter::${name} ALIAS flashwriter_${name})
   target_link_libraries(flashwriter_${name} PUBLIC ${ARG_DEPENDS})
   flashwriter_configure(flashwriter_${name})
+  if(FLASHWRITER_FUZZ)
+    # Tells a fuzz target which ways its input took; other programs count them for nobody.
+    target_compile_options(flashwriter_${name} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()
 
 # A test's own code is compiled once for each time that it runs, so it is hardly optimised.
