@@ -1,7 +1,7 @@
 // The reader against a second, plain one, on random files and with buffers that end everywhere.
-#include "targetfile/MotPasses.h"
 #include "tests/unit/targetfile/MotFixture.h"
 #include "tests/unit/targetfile/MotGenerator.h"
+#include "tests/unit/targetfile/MotOutcome.h"
 #include "tests/unit/targetfile/MotReference.h"
 
 #include <map>
@@ -14,29 +14,13 @@ protected:
     // Both passes by one step give what the reference gives.
     static void expectPasses(const std::string& path, const MotReference& expected,
                              std::size_t step) {
-        MotExtents extents;
-        const ResultCode measured = measureMotFile(path, extents, step);
-        ASSERT_EQ(extents.program, expected.programExtent);
-        ASSERT_EQ(extents.data, expected.dataExtent);
-        if (expected.measured != RESULT_OK) {
-            const bool isEmpty = extents.program == 0 && extents.data == 0;
-            ASSERT_EQ(measured == RESULT_OK && isEmpty ? expected.measured : measured,
-                      expected.measured);
-            return;
-        }
-        ASSERT_EQ(measured, RESULT_OK);
-        if (expected.filled == RESULT_FILE_READ_FAILED) {
-            return;
-        }
-        Bytes program(extents.program, 0xFF);
-        Bytes data(extents.data, 0xFF);
-        // An empty vector may have no buffer, an image always has one.
-        program.reserve(1);
-        data.reserve(1);
-        const MotImages images{program.data(), program.size(), data.data(), data.size()};
-        ASSERT_EQ(fillMotImages(path, images, step), expected.filled);
-        ASSERT_TRUE(program == expected.program);
-        ASSERT_TRUE(data == expected.data);
+        const MotReference outcome = readByPasses(path, step);
+        ASSERT_EQ(outcome.programExtent, expected.programExtent);
+        ASSERT_EQ(outcome.dataExtent, expected.dataExtent);
+        ASSERT_EQ(outcome.measured, expected.measured);
+        ASSERT_EQ(outcome.filled, expected.filled);
+        ASSERT_TRUE(outcome.program == expected.program);
+        ASSERT_TRUE(outcome.data == expected.data);
     }
 
     void expectClass(const std::string& path, const MotReference& expected) {
