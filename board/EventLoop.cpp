@@ -1,65 +1,25 @@
 #include "board/EventLoop.h"
 
-#include "board/Priority.h"
-
 #include <algorithm>
-#include <cerrno>
-#include <system_error>
-#include <vector>
-
-#include <poll.h>
-#include <sys/eventfd.h>
 
 namespace flashwriter::board {
 
 namespace {
 
-BoardTime clockNow() {
-    return std::chrono::steady_clock::now().time_since_epoch();
-}
-
 // How often to look when the system does not tell that the port was opened.
 constexpr BoardTime kLook = std::chrono::milliseconds(5);
-
-timespec toTimespec(BoardTime span) {
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(span);
-    return {.tv_sec = seconds.count(), .tv_nsec = (span - seconds).count()};
-}
 
 } // namespace
 
 EventLoop::EventLoop(const BoardOptions& options)
-    : m_realTime(options.realTime), m_wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      m_path(m_terminal.path()), m_watch(m_path), m_lines(m_path),
+    : BoardLoop(options.realTime), m_path(m_terminal.path()), m_watch(m_path), m_lines(m_path),
       m_adapter(options, *this, clockNow()) {
-    if (!m_wakeUp.valid()) {
-        throw std::system_error(errno, std::generic_category(), "cannot make an event descriptor");
-    }
     const auto& faults = options.faults;
     if (std::any_of(faults.begin(), faults.end(),
                     [](const Fault& fault) { return fault.kind == FaultKind::stuck; })) {
         // Now, because the host is waiting when it is needed.
         m_capacity = PseudoTerminal::measureCapacity();
     }
-}
-
-void EventLoop::run() {
-    makeThreadPrompt(m_realTime);
-    while (!m_stop) {
-        {
-            const std::lock_guard lock(m_mutex);
-            step();
-        }
-        m_changed.notify_all();
-        sleep();
-    }
-    const std::lock_guard lock(m_mutex);
-    removePort();
-}
-
-void EventLoop::askToStop() {
-    m_stop = true;
-    static_cast<void>(eventfd_write(m_wakeUp.get(), 1));
 }
 
 // Everything that has come in, in the order in which the host did it: opening the port comes before
@@ -77,7 +37,7 @@ void EventLoop::step() {
     }
     m_adapter.advance(clockNow());
     if (m_unplugged) {
-        removePort();
+        leave();
     }
 }
 
@@ -102,9 +62,7 @@ void EventLoop::takeHostBytes() {
     }
 }
 
-void EventLoop::sleep() {
-    std::vector<pollfd> entries{{.fd = m_wakeUp.get(), .events = POLLIN, .revents = 0}};
-    std::optional<BoardTime> deadline = m_adapter.nextDeadline();
+void EventLoop::addTo(std::vector<pollfd>& entries) const {
     if (m_terminal.plugged()) {
         entries.push_back({.fd = m_watch.fd(), .events = POLLIN, .revents = 0});
         // A port that nobody has open reports so without end, and one that is stuck has bytes that
@@ -112,19 +70,19 @@ void EventLoop::sleep() {
         const bool listen = m_watch.open() && m_adapter.room() > 0;
         entries.push_back(
             {.fd = listen ? m_terminal.master() : -1, .events = POLLIN, .revents = 0});
-        if (m_watch.fd() < 0) {
-            const BoardTime look = clockNow() + kLook;
-            deadline = deadline ? std::min(*deadline, look) : look;
-        }
     }
     if (m_lines) {
         m_lines->addTo(entries);
     }
-    timespec rest{};
-    if (deadline) {
-        rest = toTimespec(std::max(*deadline - clockNow(), BoardTime::zero()));
+}
+
+std::optional<BoardTime> EventLoop::nextDeadline() const {
+    const std::optional<BoardTime> deadline = m_adapter.nextDeadline();
+    if (!m_terminal.plugged() || m_watch.fd() >= 0) {
+        return deadline;
     }
-    ppoll(entries.data(), entries.size(), deadline ? &rest : nullptr, nullptr);
+    const BoardTime look = clockNow() + kLook;
+    return deadline ? std::min(*deadline, look) : look;
 }
 
 std::uint32_t EventLoop::bitsPerSecond() {
@@ -140,7 +98,7 @@ void EventLoop::unplug() {
     m_unplugged = true;
 }
 
-void EventLoop::removePort() {
+void EventLoop::leave() {
     // First the lines: another pseudo-terminal may get the port's number at once.
     m_lines.reset();
     m_terminal.unplug();

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "board/BoardOptions.h"
-#include "board/FlashMemory.h"
-#include "board/TargetEvent.h"
-#include "board/Transcript.h"
+#include "board/BoardViews.h"
+#include "board/LoopThread.h"
 
-#include <chrono>
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
 
 namespace flashwriter::board {
+
+class EventLoop;
 
 // A board with its adapter, offered on a pseudo-terminal: open portPath() as you would a serial
 // port. It runs on a thread of its own, which sleeps whenever there is nothing to do.
@@ -21,12 +19,10 @@ namespace flashwriter::board {
 // All operations may be called from any thread, except that start(), stop() and destruction must
 // not overlap each other. Everything that can be asked for stays valid after stop(), until the next
 // start(); before the first start() there is nothing, and asking throws std::logic_error.
-class VirtualBoard {
+class VirtualBoard : public BoardViews {
 public:
     VirtualBoard();
-    ~VirtualBoard(); // stops it
-    VirtualBoard(const VirtualBoard&) = delete;
-    VirtualBoard& operator=(const VirtualBoard&) = delete;
+    ~VirtualBoard() override; // stops it
 
     // Powers a new board up; one that runs is stopped first. Throws std::invalid_argument for
     // options that no board has and std::system_error when the system has no pseudo-terminal to
@@ -39,34 +35,11 @@ public:
     // For example "/dev/pts/7"; the name is free for others once the board is stopped or unplugged.
     std::string portPath() const;
 
-    // What has been written down so far, in the order in which it happened.
-    Transcript transcript() const;
-
-    // How often the host broke the protocol.
-    std::size_t violations() const;
-
-    TargetMode mode() const;
-    Bytes codeFlash() const;
-    Bytes dataFlash() const;
-
-    // How often the host has closed the port.
-    std::uint32_t closings() const;
-
-    // How often the host has got through mode entry and then closed the port or lost it.
-    std::uint32_t sessions() const;
-
-    // Whether a fault has unplugged it.
-    bool unplugged() const;
-
-    // Wait until it is so, or the time is over; false in that case.
-    bool waitForMode(TargetMode mode, std::chrono::milliseconds patience) const;
-    bool waitForClosings(std::uint32_t count, std::chrono::milliseconds patience) const;
-
 private:
-    class Running;
-    const Running& running() const;
+    const EventLoop& loop() const;
+    const BoardLoop& board() const override;
 
-    std::unique_ptr<Running> m_running;
+    std::unique_ptr<LoopThread<EventLoop>> m_running;
 };
 
 } // namespace flashwriter::board
