@@ -27,9 +27,10 @@ public:
     Adapter(const BoardOptions& options, HostPort& port, BoardTime now = BoardTime::zero());
 
     // The host opened the port, which raises DTR and RTS as a serial driver does; the last
-    // descriptor was closed, which drops them and ends a BREAK.
+    // descriptor was closed, which drops them. Some drivers end a BREAK then, others let it be.
+    enum class BreakAtClose : std::uint8_t { ends, stays };
     void portOpened(BoardTime now);
-    void portClosed(BoardTime now);
+    void portClosed(BoardTime now, BreakAtClose breakAtClose = BreakAtClose::ends);
 
     LineAnswer lineRequest(const LineRequest& request, BoardTime now);
 

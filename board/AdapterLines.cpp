@@ -25,13 +25,13 @@ void Adapter::portOpened(BoardTime now) {
     jamIfDue(now);
 }
 
-void Adapter::portClosed(BoardTime now) {
+void Adapter::portClosed(BoardTime now, BreakAtClose breakAtClose) {
     advance(now);
     m_open = false;
     ++m_closings;
     endSession();
     note(TranscriptRecord::Kind::line, now, "port closed");
-    setLines(false, false, false, now);
+    setLines(false, false, m_break && breakAtClose == BreakAtClose::stays, now);
 }
 
 LineAnswer Adapter::lineRequest(const LineRequest& request, BoardTime now) {

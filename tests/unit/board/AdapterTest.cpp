@@ -155,6 +155,17 @@ TEST_F(AdapterTest, LinesAreAsTheHostSetThem) {
     EXPECT_EQ(m_adapter->sessions(), 0U);
 }
 
+// The board is released in BREAK, or without it.
+TEST_F(AdapterTest, ClosingEndsABreakOnlyWithSomeDrivers) {
+    make();
+    line(LineOperation::startBreak);
+    m_adapter->portClosed(m_now, Adapter::BreakAtClose::stays);
+    EXPECT_EQ(m_adapter->target().mode(), TargetMode::awaitPulse);
+    m_adapter->portOpened(m_now);
+    m_adapter->portClosed(m_now);
+    EXPECT_EQ(m_adapter->target().mode(), TargetMode::running);
+}
+
 TEST_F(AdapterTest, ASessionIsModeEntryAndClose) {
     make();
     connect();
