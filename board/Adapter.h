@@ -40,6 +40,9 @@ public:
     // How many bytes may be handed over now. 0 while the adapter is stuck or has enough in hand.
     std::size_t room() const;
 
+    // Whether everything handed over has passed the wire.
+    bool idle() const { return m_inFlight.empty(); }
+
     // Lets everything happen that was due until now. nextDeadline() says when to call at the
     // latest.
     void advance(BoardTime now);

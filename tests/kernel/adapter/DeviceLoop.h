@@ -1,0 +1,31 @@
+#pragma once
+
+#include "tests/kernel/adapter/RedirLink.h"
+#include "tests/kernel/adapter/UsbDevice.h"
+
+#include "board/BoardLoop.h"
+
+namespace flashwriter::kernel {
+
+// Lets an adapter with its board live on a connection to a host.
+class DeviceLoop : public board::BoardLoop {
+public:
+    // The socket is connected to the host, and non-blocking.
+    DeviceLoop(board::Descriptor socket, AdapterKind kind, const board::BoardOptions& options);
+
+    const board::Adapter& adapter() const override { return m_device.board(); }
+
+    // Only to be looked at in a question.
+    const UsbDevice& device() const { return m_device; }
+
+private:
+    void step() override;
+    void leave() override { m_link.disconnect(); }
+    void addTo(std::vector<pollfd>& entries) const override;
+    std::optional<board::BoardTime> nextDeadline() const override;
+
+    UsbDevice m_device;
+    RedirLink m_link;
+};
+
+} // namespace flashwriter::kernel
