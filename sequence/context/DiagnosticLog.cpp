@@ -1,5 +1,9 @@
 #include "sequence/context/DiagnosticLog.h"
 
+#include "sequence/context/DiagnosticStream.h"
+
+#include <unistd.h>
+
 #include <array>
 #include <atomic>
 #include <cstdarg>
@@ -11,8 +15,10 @@ namespace flashwriter {
 
 namespace {
 
+constinit DiagnosticStream standardError(STDERR_FILENO);
+
 void writeToStandardError(const char* text) {
-    std::fprintf(stderr, "%s\n", text);
+    standardError.writeLine(text);
 }
 
 std::atomic<DiagnosticSink> currentSink{writeToStandardError};

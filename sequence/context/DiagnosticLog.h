@@ -9,7 +9,8 @@ namespace flashwriter {
 // must not throw.
 using DiagnosticSink = void (*)(const char* text);
 
-// Replaces the sink; nullptr brings back the first one, which writes a line to standard error.
+// Replaces the sink; nullptr brings back the first one, which writes lines to standard error and
+// never waits for it (see DiagnosticStream.h).
 void setDiagnosticSink(DiagnosticSink sink);
 
 // Hands one line, formatted as by printf, to the sink. Any thread; never throws.

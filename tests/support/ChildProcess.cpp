@@ -75,6 +75,17 @@ int openFile(const std::string& path) {
     return descriptor;
 }
 
+// Takes every byte of room that a pipe has; whoever writes to it then waits for a reader.
+void fill(int descriptor) {
+    ::fcntl(descriptor, F_SETFL, O_NONBLOCK);
+    for (std::size_t size = 4096; size != 0; size /= 2) {
+        const std::string some(size, '\0');
+        while (::write(descriptor, some.data(), size) > 0) {
+        }
+    }
+    ::fcntl(descriptor, F_SETFL, 0);
+}
+
 void closeIfOpen(int& descriptor) {
     if (descriptor > 2) {
         ::close(descriptor);
@@ -100,6 +111,10 @@ int ChildProcess::openEnd(ChildStream kind, Stream& stream, const Terminal* term
     ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
     ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
     stream.descriptor = ends[0];
+    if (kind == ChildStream::FullPipe) {
+        fill(ends[1]);
+        stream.isUnread = true;
+    }
     return ends[1];
 }
 
@@ -163,22 +178,38 @@ bool ChildProcess::reap(bool block) {
 }
 
 void ChildProcess::drain(int limitMilliseconds) {
-    std::array<pollfd, 3> ready{pollfd{m_output.descriptor, POLLIN, 0},
-                                pollfd{m_error.descriptor, POLLIN, 0},
+    const auto read = [](const Stream& stream) { return stream.isUnread ? -1 : stream.descriptor; };
+    std::array<pollfd, 3> ready{pollfd{read(m_output), POLLIN, 0}, pollfd{read(m_error), POLLIN, 0},
                                 pollfd{m_terminal ? m_terminal->master() : -1, POLLIN, 0}};
     ::poll(ready.data(), ready.size(), limitMilliseconds);
     if (m_terminal) {
         m_terminalText += m_terminal->taken();
     }
     for (Stream* stream : {&m_output, &m_error}) {
-        std::array<char, 4096> chunk{};
-        ssize_t size = -1;
-        while (stream->descriptor != -1 &&
-               (size = ::read(stream->descriptor, chunk.data(), chunk.size())) > 0) {
-            stream->text.append(chunk.data(), static_cast<std::size_t>(size));
+        if (!stream->isUnread) {
+            readInto(*stream);
         }
-        if (size == 0) { // the other end is closed: nothing to poll for any more
-            closeIfOpen(stream->descriptor);
+    }
+}
+
+void ChildProcess::readInto(Stream& stream) {
+    std::array<char, 4096> chunk{};
+    ssize_t size = -1;
+    while (stream.descriptor != -1 &&
+           (size = ::read(stream.descriptor, chunk.data(), chunk.size())) > 0) {
+        stream.text.append(chunk.data(), static_cast<std::size_t>(size));
+    }
+    if (size == 0) { // the other end is closed: nothing to poll for any more
+        closeIfOpen(stream.descriptor);
+    }
+}
+
+void ChildProcess::readFullPipes() {
+    for (Stream* stream : {&m_output, &m_error}) {
+        if (stream->isUnread) {
+            readInto(*stream);
+            std::erase(stream->text, '\0');
+            stream->isUnread = false;
         }
     }
 }

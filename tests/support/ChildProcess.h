@@ -18,7 +18,8 @@ namespace flashwriter::testing {
 enum class ChildStream {
     Pipe,     // to this process, each stream apart
     Terminal, // to the child's terminal, where both streams mix
-    Closed    // nowhere: the child starts without that descriptor
+    Closed,   // nowhere: the child starts without that descriptor
+    FullPipe  // to a pipe that takes nothing, until readFullPipes()
 };
 
 struct ChildOptions {
@@ -65,14 +66,17 @@ public:
     void type(std::string_view keys) const; // at the terminal: "\x03" is Ctrl-C
     void stopReadingOutput();               // the reader of standard output goes away
     void stopReadingError();
+    void readFullPipes(); // from now on their readers do read; what filled them is not theirs
 
 private:
     struct Stream {
-        int descriptor = -1; // this process's end of a pipe
+        int descriptor = -1;   // this process's end of a pipe
+        bool isUnread = false; // it has been filled and is left so
         std::string text;
     };
 
     static int openEnd(ChildStream kind, Stream& stream, const Terminal* terminal);
+    static void readInto(Stream& stream);
     void drain(int limitMilliseconds);
     bool reap(bool block);
 

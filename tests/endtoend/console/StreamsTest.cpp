@@ -96,6 +96,22 @@ TEST_F(FlashwriteStreams, NeitherIsAnyWhenAllAreClosed) {
     expectOnlyFramesOnThePort(options, port);
 }
 
+TEST_F(FlashwriteStreams, AReaderOfTheDiagnosticsWhoDoesNotReadStopsNothing) {
+    options.error = ChildStream::FullPipe;
+    ChildProcess program(options);
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.output(), wholeOutput());
+    program.readFullPipes();
+    EXPECT_EQ(program.error(), "");
+}
+
+TEST_F(FlashwriteStreams, ADiskThatIsFullStopsNothing) {
+    options.errorFile = "/dev/full";
+    ChildProcess program(options);
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.output(), wholeOutput());
+}
+
 TEST_F(FlashwriteStreams, ReadersThatHaveGoneStopNothing) {
     ChildProcess program(options);
     program.stopReadingOutput();
