@@ -1,5 +1,7 @@
 #include "console/Interrupt.h"
 
+#include "sequence/context/DiagnosticStream.h"
+
 #include <unistd.h>
 
 #include <array>
@@ -28,14 +30,20 @@ std::atomic<bool> isEnding{false};
 static_assert(std::atomic<const char*>::is_always_lock_free);
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-// Only what a signal handler may call.
+// Only what a signal handler may call. A reader that has stopped must not keep the program.
+void say(const char* text) {
+    if (takesAtOnce(STDERR_FILENO)) {
+        static_cast<void>(::write(STDERR_FILENO, text, std::strlen(text)) >= 0);
+    }
+}
+
 void endAtOnce(int number) {
     isEnding = true;
     const char* text = message; // no erase begins any more if it says that none has
     if (beginsFreshLine) {
-        static_cast<void>(::write(STDERR_FILENO, "\n", 1) == 1);
+        say("\n");
     }
-    static_cast<void>(::write(STDERR_FILENO, text, std::strlen(text)) >= 0);
+    say(text);
     ::_exit(128 + number);
 }
 

@@ -46,6 +46,16 @@ TEST(FlashwriteInterrupt, CtrlCAtATerminalBeginsAFreshLine) {
     EXPECT_TRUE(program.terminal().ends_with(std::string("\n") + UNTOUCHED)) << program.terminal();
 }
 
+TEST(FlashwriteInterrupt, WaitsForNoReader) {
+    const SilentPort port;
+    ChildOptions options = flashwrite({port.path(), "115200", "image.bin"});
+    options.error = ChildStream::FullPipe;
+    ChildProcess program(options);
+    ASSERT_TRUE(isAsking(program));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.wait(), 128 + SIGTERM);
+}
+
 TEST(FlashwriteInterrupt, LeavesThePortToTheNext) {
     const SilentPort port;
     ChildProcess interrupted(flashwrite({port.path(), "115200", "image.bin"}));
