@@ -64,6 +64,9 @@ void writeAttributes(int descriptor, const termios& attributes) {
 }
 
 int setBreak(int descriptor) {
+    if (letOutputLeave(descriptor) == -1) {
+        return -1;
+    }
     return uninterrupted([=] { return ::ioctl(descriptor, TIOCSBRK, nullptr); });
 }
 

@@ -28,12 +28,14 @@ void discardPending(int descriptor);
 void readAttributes(int descriptor, termios& attributes);
 void writeAttributes(int descriptor, const termios& attributes);
 
+// Fails with ETIMEDOUT when the device does not take what was sent before; see letOutputLeave
+// below.
 int setBreak(int descriptor);
 int clearBreak(int descriptor);
 int readModemLines(int descriptor, std::int32_t& lines);
 int writeModemLines(int descriptor, std::int32_t lines);
 
-// What differs from system to system: one file for each defines these three.
+// What differs from system to system: one file for each defines these four.
 
 // Replaces attributes under which the device would carry no binary data; leaves all others alone.
 void startingAttributes(termios& attributes);
@@ -41,5 +43,9 @@ void startingAttributes(termios& attributes);
 int setLineSpeed(int descriptor, std::uint64_t bitsPerSecond);
 // Asks the driver not to hold short packets back. Best effort.
 void requestLowLatency(int descriptor);
+
+// Makes sure that starting a BREAK will not be held up: 0 as soon as no output is pending any more,
+// or the system does not wait for it; -1 and ETIMEDOUT when some stays for half a second.
+int letOutputLeave(int descriptor);
 
 } // namespace flashwriter::platform

@@ -1,13 +1,15 @@
-// Linux: ports start in a terminal's attributes, any speed is set through termios2, and short
-// packets are held back unless asked for.
+// Linux: ports start in a terminal's attributes, any speed is set through termios2, short packets
+// are held back unless asked for, and a BREAK waits for what was sent before it.
 #include "serial/platform/SerialDevice.h"
 
 #include <linux/serial.h>
 #include <sys/ioctl.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <limits>
+#include <thread>
 
 // The kernel's header is the only one that has termios2, and the C library's is the only one that
 // has the functions; both define a struct termios, so the kernel's gets another name here.
@@ -79,6 +81,23 @@ void requestLowLatency(int descriptor) {
     }
     settings.flags |= ASYNC_LOW_LATENCY;
     ::ioctl(descriptor, TIOCSSERIAL, &settings);
+}
+
+// The request for a BREAK waits for pending output, without a limit: with an adapter that takes no
+// more bytes it would never come back, and nor would whoever made it. A port that cannot tell how
+// much is pending has no such output queue.
+int letOutputLeave(int descriptor) {
+    constexpr auto PATIENCE = std::chrono::milliseconds(500);
+    const auto start = std::chrono::steady_clock::now();
+    int pending = 0;
+    while (::ioctl(descriptor, TIOCOUTQ, &pending) == 0 && pending > 0) {
+        if (std::chrono::steady_clock::now() - start > PATIENCE) {
+            errno = ETIMEDOUT;
+            return -1;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return 0;
 }
 
 } // namespace flashwriter::platform

@@ -31,6 +31,10 @@ int answer(SerialRequests& requests, unsigned long request, int result, void* ar
     case TIOCMSET:
         value = *static_cast<std::int32_t*>(argument);
         break;
+    case TIOCOUTQ:
+        *static_cast<std::int32_t*>(argument) = requests.pendingOutput;
+        requests.pendingOutput -= requests.pendingOutput > 0 ? requests.outputTaken : 0;
+        break;
     case TIOCGSERIAL:
         static_cast<serial_struct*>(argument)->flags = requests.serialFlags;
         break;

@@ -28,6 +28,8 @@ public:
     std::vector<std::pair<unsigned long, std::int64_t>> made;
 
     std::int32_t modemLines = 0;           // what TIOCMGET reads
+    std::int32_t pendingOutput = 0;        // what TIOCOUTQ reads,
+    std::int32_t outputTaken = 0;          // and so much less the next time
     std::uint32_t rateAfterChange = 0;     // a driver's own idea of the speed; 0: as asked
     std::int32_t serialFlags = 0;          // of TIOCGSERIAL
     std::int32_t serialFlagsRequested = 0; // of TIOCSSERIAL

@@ -8,6 +8,7 @@
 
 #include <sys/ioctl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <utility>
@@ -88,6 +89,22 @@ TEST_F(LinesAndSpeeds, BreakDiscardsWhatIsPendingWhenItIsTaken) {
     EXPECT_EQ(m_port.ClearBreak(), RESULT_OK);
     EXPECT_EQ(m_requests.discards, 3);
     EXPECT_EQ(m_requests.made, (Made{{TIOCSBRK, 0}, {TIOCCBRK, 0}}));
+}
+
+TEST_F(LinesAndSpeeds, BreakComesAfterTheOutputBeforeIt) {
+    m_requests.plan = {{TIOCOUTQ, 0}, {TIOCSBRK, 0}};
+    m_requests.pendingOutput = 2;
+    m_requests.outputTaken = 1;
+    EXPECT_EQ(m_port.SetBreak(), RESULT_OK);
+    EXPECT_EQ(m_requests.made, (Made{{TIOCOUTQ, 0}, {TIOCOUTQ, 0}, {TIOCOUTQ, 0}, {TIOCSBRK, 0}}));
+}
+
+TEST_F(LinesAndSpeeds, BreakFailsRatherThanWaitForOutputThatStays) {
+    m_requests.plan = {{TIOCOUTQ, 0}, {TIOCSBRK, 0}};
+    m_requests.pendingOutput = 1;
+    EXPECT_EQ(m_port.SetBreak(), RESULT_SEND_FAILED);
+    EXPECT_EQ(std::ranges::count(m_requests.made, Made::value_type{TIOCSBRK, 0}), 0);
+    EXPECT_EQ(m_requests.discards, 1) << "only the receive thread's";
 }
 
 TEST_F(LinesAndSpeeds, BreakThatIsRefusedDiscardsNothing) {
