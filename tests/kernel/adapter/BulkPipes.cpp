@@ -34,11 +34,10 @@ void BulkPipes::cancelAll() {
 }
 
 void BulkPipes::finishCancelled(const Held& held) {
-    const bool fromHost = (held.endpoint & 0x80U) == 0;
     m_finished.push_back({.id = held.id,
                           .endpoint = held.endpoint,
                           .status = UsbStatus::cancelled,
-                          .length = fromHost ? held.length : 0,
+                          .length = isToHost(held.endpoint) ? 0 : held.length,
                           .data = {}});
 }
 

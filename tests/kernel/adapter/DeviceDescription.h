@@ -20,13 +20,11 @@ struct InterfaceDescription {
 };
 
 struct EndpointDescription {
-    std::uint8_t address = 0; // bit 7: to the host
-    std::uint8_t type = 0;    // 2: bulk, 3: interrupt
+    std::uint8_t address = 0;
+    std::uint8_t type = 0; // 2: bulk, 3: interrupt
     std::uint16_t packetSize = 0;
     std::uint8_t interval = 0; // milliseconds
     std::uint8_t interface = 0;
-
-    bool toHost() const { return (address & 0x80U) != 0; }
 };
 
 // What the device tells of itself, in the bytes that the host asks for. It works at full speed.

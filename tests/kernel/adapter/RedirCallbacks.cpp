@@ -96,7 +96,7 @@ struct RedirLink::Callbacks {
         std::optional<Bytes> got = device(priv).control(setup, sent, clockNow());
         usb_redir_control_packet_header answer = *header;
         answer.status = statusFor(got.has_value(), kRefused);
-        const bool toHost = (header->endpoint & 0x80U) != 0;
+        const bool toHost = isToHost(header->endpoint);
         if (!got || toHost) {
             answer.length = static_cast<std::uint16_t>(got ? got->size() : 0);
         }
@@ -109,7 +109,7 @@ struct RedirLink::Callbacks {
     static void bulk(void* priv, std::uint64_t id, usb_redir_bulk_packet_header* header,
                      std::uint8_t* data, int length) {
         Bytes bytes = take(priv, data, length);
-        if ((header->endpoint & 0x80U) != 0) {
+        if (isToHost(header->endpoint)) {
             const std::size_t wanted = header->length + header->length_high * std::size_t{0x10000};
             device(priv).askForBytes(id, header->endpoint, wanted, clockNow());
         } else {

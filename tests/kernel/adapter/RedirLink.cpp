@@ -10,7 +10,7 @@ namespace {
 
 // Where the protocol's tables hold an endpoint: first those from the host, then those to the host.
 std::size_t tableIndex(std::uint8_t address) {
-    return (address & 0x0FU) + ((address & 0x80U) != 0 ? 16U : 0U);
+    return (address & 0x0FU) + (isToHost(address) ? 16U : 0U);
 }
 
 usb_redir_ep_info_header endpointTable(const DeviceDescription& description) {

@@ -44,7 +44,8 @@ bool UsbDevice::hasEndpoint(std::uint8_t address, std::uint8_t type) const {
 
 void UsbDevice::askForBytes(std::uint64_t id, std::uint8_t endpoint, std::size_t length,
                             BoardTime now) {
-    if (!hasEndpoint(endpoint, kBulk) || length < kBulkPacket) {
+    const bool fitting = isToHost(endpoint) && length >= kBulkPacket; // a packet may come in full
+    if (!fitting || !hasEndpoint(endpoint, kBulk)) {
         refuse(id, endpoint);
         return;
     }
@@ -53,7 +54,7 @@ void UsbDevice::askForBytes(std::uint64_t id, std::uint8_t endpoint, std::size_t
 }
 
 void UsbDevice::handBytes(std::uint64_t id, std::uint8_t endpoint, Bytes bytes, BoardTime now) {
-    if (!hasEndpoint(endpoint, kBulk)) {
+    if (isToHost(endpoint) || !hasEndpoint(endpoint, kBulk)) {
         refuse(id, endpoint);
         return;
     }

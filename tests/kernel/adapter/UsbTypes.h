@@ -14,6 +14,11 @@ namespace flashwriter::kernel {
 using board::BoardTime;
 using board::Bytes;
 
+// Of an endpoint's address.
+inline bool isToHost(std::uint8_t address) {
+    return (address & 0x80U) != 0;
+}
+
 // What became of a transfer, in the numbers of the redirection protocol.
 enum class UsbStatus : std::uint8_t { success = 0, cancelled = 1, invalid = 2, stalled = 4 };
 
@@ -34,7 +39,7 @@ struct SetupPacket {
 // A bulk transfer that the device has done with, one way or another.
 struct FinishedTransfer {
     std::uint64_t id = 0;
-    std::uint8_t endpoint = 0; // its address; bit 7: to the host
+    std::uint8_t endpoint = 0; // its address
     UsbStatus status = UsbStatus::success;
     std::size_t length = 0; // bytes that went over, in either direction
     Bytes data;             // to the host only

@@ -1,0 +1,111 @@
+// The requests of the communications device class, and its plain bytes.
+
+#include "DeviceHost.h"
+
+#include <gtest/gtest.h>
+
+namespace flashwriter::kernel {
+namespace {
+
+using board::commandFrame;
+using board::kAcknowledged;
+using board::TargetMode;
+
+constexpr std::uint8_t kOut = 0x01;
+constexpr std::uint16_t kSetLineCoding = 0x2120;
+constexpr std::uint16_t kGetLineCoding = 0xA121;
+constexpr std::uint16_t kLineState = 0x2122;
+constexpr std::uint16_t kBreak = 0x2123;
+
+Bytes codingFor(std::uint32_t speed) {
+    Bytes coding;
+    for (int shift = 0; shift < 32; shift += 8) {
+        coding.push_back(static_cast<std::uint8_t>(speed >> shift));
+    }
+    coding.insert(coding.end(), {2, 0, 8});
+    return coding;
+}
+
+void enterProgrammingMode(DeviceHost& host) {
+    host.tell(kLineState, 3);
+    host.tell(kSetLineCoding, 0, codingFor(115200));
+    host.tell(kBreak, 0xFFFF);
+    host.tell(kLineState, 2);
+    host.tell(kBreak, 0);
+    host.handBytes({0x00}, kOut);
+    host.wait(1ms);
+}
+
+TEST(CdcChip, KeepsTheLineCoding) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    EXPECT_EQ(host.device().hostSpeed(), 9600U);
+    EXPECT_TRUE(host.tell(kSetLineCoding, 0, codingFor(500000)));
+    EXPECT_EQ(host.device().hostSpeed(), 500000U);
+    EXPECT_EQ(host.ask(kGetLineCoding, 0, 7), codingFor(500000));
+    EXPECT_EQ(host.device().latencyTimer(), 0ms);
+}
+
+TEST(CdcChip, RefusesALineCodingThatIsNone) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    EXPECT_FALSE(host.tell(kSetLineCoding, 0, {}));
+    EXPECT_FALSE(host.tell(kSetLineCoding, 0, {0x00, 0xC2, 0x01}));
+    EXPECT_FALSE(host.tell(kSetLineCoding, 0, Bytes(8, 1)));
+    EXPECT_FALSE(host.tell(kSetLineCoding, 0, codingFor(0)));
+    EXPECT_FALSE(host.tell(kSetLineCoding, 0, codingFor(115200), 1)); // the data interface
+    EXPECT_EQ(host.device().hostSpeed(), 9600U);
+}
+
+TEST(CdcChip, TheFirstLineRaisedOpensThePortAndTheLastOneDroppedClosesIt) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    EXPECT_EQ(host.mode(), TargetMode::running);
+    EXPECT_TRUE(host.tell(kLineState, 3));
+    EXPECT_EQ(host.mode(), TargetMode::inReset);
+    EXPECT_TRUE(host.tell(kLineState, 2));
+    EXPECT_EQ(host.mode(), TargetMode::running);
+    EXPECT_EQ(host.device().board().closings(), 0U);
+    EXPECT_TRUE(host.tell(kLineState, 0));
+    EXPECT_TRUE(host.tell(kLineState, 0));
+    EXPECT_EQ(host.device().board().closings(), 1U);
+}
+
+TEST(CdcChip, ABreakOutlastsThePort) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    host.tell(kLineState, 3);
+    host.tell(kBreak, 0xFFFF);
+    host.tell(kLineState, 0);
+    EXPECT_EQ(host.mode(), TargetMode::awaitPulse);
+    EXPECT_FALSE(host.tell(kBreak, 250));
+}
+
+TEST(CdcChip, FaultsOfTheLinesRefuseRequests) {
+    DeviceHost unsettable(AdapterKind::cdcAcm, with("fail-set"));
+    EXPECT_TRUE(unsettable.tell(kLineState, 3)); // opening is not asked for
+    EXPECT_FALSE(unsettable.tell(kLineState, 2));
+    EXPECT_EQ(unsettable.mode(), TargetMode::inReset);
+    DeviceHost unbreakable(AdapterKind::cdcAcm, with("fail-break"));
+    EXPECT_FALSE(unbreakable.tell(kBreak, 0xFFFF));
+}
+
+TEST(CdcChip, ExchangesFrames) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    const std::uint64_t asked = host.askForBytes(512);
+    enterProgrammingMode(host);
+    ASSERT_EQ(host.mode(), TargetMode::awaitBaudRate);
+    const std::uint64_t handed = host.handBytes(commandFrame({0x9A, 0, 33}), kOut);
+    EXPECT_EQ(host.finished(handed).value().length, 7U);
+    EXPECT_FALSE(host.finished(asked)); // the bytes have to pass the wire
+    host.wait(12 * 95486ns);
+    EXPECT_EQ(host.finished(asked).value().data, kAcknowledged);
+    EXPECT_EQ(host.device().board().violations(), 0U);
+}
+
+TEST(CdcChip, BytesWaitForAHostThatAsksLate) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    enterProgrammingMode(host);
+    host.handBytes(commandFrame({0x9A, 0, 33}), kOut);
+    host.wait(10ms);
+    EXPECT_EQ(host.finished(host.askForBytes(64)).value().data, kAcknowledged);
+}
+
+} // namespace
+} // namespace flashwriter::kernel
