@@ -1,0 +1,48 @@
+// A write that is killed, and the one after it.
+#include "tests/kernel/runs/KernelFixture.h"
+
+#include <algorithm>
+#include <csignal>
+
+namespace flashwriter::kernel {
+namespace {
+
+using board::TargetMode;
+using board::TranscriptRecord;
+using testing::ImageFile;
+using testing::patternImage;
+
+class Killed : public KernelFixture {
+protected:
+    const std::vector<std::uint8_t> m_image = patternImage(5000);
+    const ImageFile m_file{"image.bin", m_image};
+};
+
+TEST_F(Killed, InMidWriteIsMendedByTheNext) {
+    plugIn();
+    const auto program = flashwrite("115200", m_file.path());
+    ASSERT_TRUE(adapter().waitForMode(TargetMode::receiving, std::chrono::seconds(20))) << story();
+    program->signal(SIGKILL);
+    EXPECT_EQ(program->wait(), 128 + SIGKILL);
+    // What the system has in hand still goes out, then the lines are dropped.
+    EXPECT_TRUE(adapter().waitForClosings(1, std::chrono::seconds(20))) << story();
+    writeAndReadBack("115200", m_file.path(), m_image);
+}
+
+// The driver of CDC adapters leaves BREAK on when a program dies in it.
+TEST_F(Killed, DuringBreakIsMendedByTheNext) {
+    plugIn();
+    const auto program =
+        flashwrite("115200", m_file.path(),
+                   {std::string("LD_PRELOAD=") + PORT_CALLS, "PORT_CALLS=die-in-break"});
+    EXPECT_EQ(program->wait(), 128 + SIGKILL) << story();
+    EXPECT_TRUE(adapter().waitForClosings(1, std::chrono::seconds(20))) << story();
+    const board::Transcript transcript = adapter().transcript();
+    EXPECT_TRUE(std::ranges::any_of(transcript, [](const TranscriptRecord& record) {
+        return record.meaning.find("BREAK on") != std::string::npos;
+    })) << story();
+    writeAndReadBack("115200", m_file.path(), m_image);
+}
+
+} // namespace
+} // namespace flashwriter::kernel
