@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
+#include <thread>
 
 namespace flashwriter::platform {
 
@@ -39,7 +41,16 @@ int openDevice(const char* path) {
 
 void closeDevice(int descriptor) {
     // Never repeated: after an interruption the descriptor may already belong to somebody else.
-    ::close(descriptor);
+    const auto close = [descriptor] { ::close(descriptor); };
+    if (letOutputLeave(descriptor) == 0) {
+        close();
+        return;
+    }
+    try {
+        std::thread(close).detach();
+    } catch (const std::exception&) {
+        close();
+    }
 }
 
 ssize_t readDevice(int descriptor, std::uint8_t* bytes, std::size_t size) {

@@ -15,6 +15,8 @@ namespace flashwriter::platform {
 // without ever blocking. Anything else (a file, a directory, a pipe) is refused with ENOTTY: what
 // is written to a port must not end up in somebody's file.
 int openDevice(const char* path);
+// Closes on a thread of its own when the device does not take what was sent: the system may hold
+// such a close for half a minute, and the port is busy for so long.
 void closeDevice(int descriptor);
 
 ssize_t readDevice(int descriptor, std::uint8_t* bytes, std::size_t size);
@@ -44,8 +46,9 @@ int setLineSpeed(int descriptor, std::uint64_t bitsPerSecond);
 // Asks the driver not to hold short packets back. Best effort.
 void requestLowLatency(int descriptor);
 
-// Makes sure that starting a BREAK will not be held up: 0 as soon as no output is pending any more,
-// or the system does not wait for it; -1 and ETIMEDOUT when some stays for half a second.
+// Makes sure that starting a BREAK, or closing, will not be held up: 0 as soon as no output is
+// pending any more, or the system does not wait for it; -1 and ETIMEDOUT when some stays for half a
+// second.
 int letOutputLeave(int descriptor);
 
 } // namespace flashwriter::platform

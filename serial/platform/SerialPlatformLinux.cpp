@@ -38,6 +38,15 @@ void setRate(termios2& attributes, speed_t rate) {
     attributes.c_ospeed = rate;
 }
 
+// In the driver's queue, or in the chip behind it as far as the driver can tell. A port that knows
+// neither question waits for nothing.
+bool isOutputPending(int descriptor) {
+    int queued = 0;
+    int state = TIOCSER_TEMT;
+    return (::ioctl(descriptor, TIOCOUTQ, &queued) == 0 && queued > 0) ||
+           (::ioctl(descriptor, TIOCSERGETLSR, &state) == 0 && (state & TIOCSER_TEMT) == 0);
+}
+
 } // namespace
 
 // A Linux port at the kernel's defaults is set up for a person at a terminal: it waits for whole
@@ -83,14 +92,12 @@ void requestLowLatency(int descriptor) {
     ::ioctl(descriptor, TIOCSSERIAL, &settings);
 }
 
-// The request for a BREAK waits for pending output, without a limit: with an adapter that takes no
-// more bytes it would never come back, and nor would whoever made it. A port that cannot tell how
-// much is pending has no such output queue.
+// The request for a BREAK waits for pending output without a limit, and a close for 30 seconds:
+// with an adapter that takes no more bytes, whoever made them would be held up for so long.
 int letOutputLeave(int descriptor) {
     constexpr auto PATIENCE = std::chrono::milliseconds(500);
     const auto start = std::chrono::steady_clock::now();
-    int pending = 0;
-    while (::ioctl(descriptor, TIOCOUTQ, &pending) == 0 && pending > 0) {
+    while (isOutputPending(descriptor)) {
         if (std::chrono::steady_clock::now() - start > PATIENCE) {
             errno = ETIMEDOUT;
             return -1;

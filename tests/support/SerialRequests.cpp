@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdarg>
 #include <mutex>
+#include <thread>
 
 // See serial/platform for why the kernel's struct termios needs another name.
 #define termios kernel_termios
@@ -35,6 +37,9 @@ int answer(SerialRequests& requests, unsigned long request, int result, void* ar
         *static_cast<std::int32_t*>(argument) = requests.pendingOutput;
         requests.pendingOutput -= requests.pendingOutput > 0 ? requests.outputTaken : 0;
         break;
+    case TIOCSERGETLSR:
+        *static_cast<std::int32_t*>(argument) = requests.chipIsEmpty ? TIOCSER_TEMT : 0;
+        break;
     case TIOCGSERIAL:
         static_cast<serial_struct*>(argument)->flags = requests.serialFlags;
         break;
@@ -58,6 +63,11 @@ void* nextDefinition(const char* name) {
 bool isPort(int descriptor) {
     int number = 0;
     return ::isatty(descriptor) == 1 && syscall(SYS_ioctl, descriptor, TIOCGPTN, &number) == -1;
+}
+
+bool isHeld(int descriptor) {
+    const std::lock_guard guard(mutex);
+    return current != nullptr && current->closesHeld && isPort(descriptor);
 }
 
 void overrideRate(const SerialRequests& requests, unsigned long request, void* argument) {
@@ -132,6 +142,14 @@ extern "C" int tcflush(int descriptor, int queue) noexcept {
         ++current->discards;
     }
     return static_cast<int>(result);
+}
+
+extern "C" int close(int descriptor) {
+    using namespace flashwriter::testing;
+    while (isHeld(descriptor)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return static_cast<int>(syscall(SYS_close, descriptor));
 }
 
 extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t count) {

@@ -100,7 +100,8 @@ TEST(DiagnosticStream, WritesLines) {
 }
 
 TEST(DiagnosticStream, KeepsALineOfAnyLengthWhole) {
-    for (const std::size_t length : {PIPE_BUF - 1, PIPE_BUF, PIPE_BUF + 1, 3 * PIPE_BUF}) {
+    constexpr std::size_t AT_ONCE = PIPE_BUF;
+    for (const std::size_t length : {AT_ONCE - 1, AT_ONCE, AT_ONCE + 1, 3 * AT_ONCE}) {
         const Pipe pipe;
         DiagnosticStream stream(pipe.writer);
         const std::string line(length, 'x');

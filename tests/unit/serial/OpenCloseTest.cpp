@@ -202,6 +202,39 @@ TEST(Open, WithoutAThreadClosesTheDevice) {
     EXPECT_EQ(port.Open(terminal.portPath()), RESULT_OK);
 }
 
+// What a driver says while its adapter takes no bytes: in its own queue, or in the chip's.
+TEST(Close, IsNotHeldUpByOutputThatStays) {
+    for (const bool inTheChip : {false, true}) {
+        PseudoTerminal terminal;
+        SerialRequests requests;
+        const std::size_t before = openDescriptors();
+        NSSerialPortProcessor port;
+        ASSERT_EQ(port.Open(terminal.portPath()), RESULT_OK);
+        requests.plan = {{TIOCOUTQ, 0}, {TIOCSERGETLSR, 0}};
+        requests.pendingOutput = inTheChip ? 0 : 1;
+        requests.chipIsEmpty = !inTheChip;
+        requests.closesHeld = true;
+        port.Close();
+        EXPECT_EQ(openDescriptors(), before + 1) << "it waits elsewhere";
+        requests.closesHeld = false;
+        EXPECT_TRUE(eventually([&] { return openDescriptors() == before; }));
+    }
+}
+
+TEST(Close, IsMadeHereWhenThereIsNoOtherThread) {
+    PseudoTerminal terminal;
+    SerialRequests requests;
+    const std::size_t before = openDescriptors();
+    NSSerialPortProcessor port;
+    ASSERT_EQ(port.Open(terminal.portPath()), RESULT_OK);
+    requests.plan = {{TIOCOUTQ, 0}};
+    requests.pendingOutput = 1;
+    testing::failThreadCreation = true;
+    port.Close();
+    testing::failThreadCreation = false;
+    EXPECT_EQ(openDescriptors(), before);
+}
+
 TEST(Close, OfATransportThatWasNeverOpenedClosesDescriptorZeroOnce) {
     const DescriptorZero zero;
     NSSerialPortProcessor port;
