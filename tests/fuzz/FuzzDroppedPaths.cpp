@@ -4,10 +4,9 @@
 // the list, one entry on a line. "@" in it stands for the folder with the target's files.
 #include "tests/fuzz/Require.h"
 #include "tests/fuzz/ScratchFolder.h"
+#include "tests/fuzz/Toolkit.h"
 #include "tests/ui/windows/Drags.h"
 #include "ui/NSFileDropTextField.h"
-
-#include <QApplication>
 
 #include <sys/stat.h>
 
@@ -122,9 +121,7 @@ void drag(char course, const QMimeData& dragging) {
 } // namespace flashwriter::fuzz
 
 extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    static const QApplication application(*count, *arguments);
+    flashwriter::fuzz::startToolkit(*count, *arguments);
     return 0;
 }
 
