@@ -8,6 +8,7 @@
 #include <exception>
 #include <new>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -65,6 +66,7 @@ void runOne(std::uint32_t seed, Tally& tally) {
 [[noreturn]] void runJob(std::uint32_t job, std::uint32_t jobs, std::uint32_t firstSeed,
                          std::uint32_t runs, Tally& tally) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    std::thread([] {}).join(); // a sanitizer starts a thread of its own with the first one
     int status = 0;
     try {
         for (std::uint32_t run = job; run < runs; run += jobs) {
