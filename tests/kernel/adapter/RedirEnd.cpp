@@ -51,9 +51,10 @@ bool RedirEnd::wantsToWrite() const {
     return m_connected && usbredirparser_has_data_to_write(parser()) > 0;
 }
 
-// A malformed message is skipped; what follows it may be well again.
+// The parser skips a malformed message; what follows it is read the next time.
 void RedirEnd::receive() {
-    while (m_connected && usbredirparser_do_read(parser()) == usbredirparser_read_parse_error) {
+    if (m_connected) {
+        usbredirparser_do_read(parser());
     }
 }
 

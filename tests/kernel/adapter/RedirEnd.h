@@ -23,7 +23,7 @@ public:
     // Whether something waits for room in the socket.
     bool wantsToWrite() const;
 
-    // Handles everything that has come, through the callbacks. Never waits.
+    // Handles what has come, through the callbacks. Never waits.
     void receive();
 
     // Sends what was queued, as much of it as the socket takes. Never waits.

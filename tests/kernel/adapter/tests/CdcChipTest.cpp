@@ -2,6 +2,8 @@
 
 #include "DeviceHost.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 namespace flashwriter::kernel {
@@ -66,6 +68,10 @@ TEST(CdcChip, TheFirstLineRaisedOpensThePortAndTheLastOneDroppedClosesIt) {
     EXPECT_TRUE(host.tell(kLineState, 0));
     EXPECT_TRUE(host.tell(kLineState, 0));
     EXPECT_EQ(host.device().board().closings(), 1U);
+    const board::Transcript& transcript = host.device().board().transcript();
+    EXPECT_EQ(std::count_if(transcript.begin(), transcript.end(),
+                            [](const auto& record) { return record.meaning == "port opened"; }),
+              1);
 }
 
 TEST(CdcChip, ABreakOutlastsThePort) {

@@ -26,6 +26,7 @@ constexpr std::uint16_t kGetLatency = 0xC00A;
 constexpr std::uint16_t kRaiseBoth = 0x0303;
 constexpr std::uint16_t kDropBoth = 0x0300;
 constexpr std::uint16_t kDropDtr = 0x0100;
+constexpr std::uint16_t kDropRts = 0x0200;
 constexpr std::uint16_t kBreakOn = 0x5008; // two stop bits and 8 data bits are in it too
 constexpr std::uint16_t kBreakOff = 0x1008;
 
@@ -132,6 +133,12 @@ TEST(FtdiChip, StatusTellsWhetherEverythingIsSent) {
     EXPECT_EQ(host.ask(kModemStatus, 0, 2), kIdle);
 }
 
+TEST(FtdiChip, AStuckAdapterIsNeverDoneWithSending) {
+    DeviceHost host(AdapterKind::ftdiSio, with("stuck@1"));
+    host.tell(kModemControl, kRaiseBoth);
+    EXPECT_EQ(host.ask(kModemStatus, 0, 2), (Bytes{0x01, 0x00}));
+}
+
 TEST(FtdiChip, LinesAndBreakReachTheBoard) {
     DeviceHost host(AdapterKind::ftdiSio);
     host.tell(kModemControl, kRaiseBoth);
@@ -143,6 +150,16 @@ TEST(FtdiChip, LinesAndBreakReachTheBoard) {
     host.tell(kData, kBreakOff);
     host.tell(kModemControl, kDropBoth);
     EXPECT_EQ(host.mode(), TargetMode::running);
+    EXPECT_EQ(host.device().board().closings(), 1U);
+}
+
+TEST(FtdiChip, ALineThatCouldNotBeSetIsAsItWas) {
+    DeviceHost host(AdapterKind::ftdiSio, with("fail-set@1"));
+    host.tell(kModemControl, kRaiseBoth);
+    EXPECT_FALSE(host.tell(kModemControl, kDropDtr));
+    EXPECT_TRUE(host.tell(kModemControl, kDropRts));
+    EXPECT_EQ(host.device().board().closings(), 0U);
+    EXPECT_TRUE(host.tell(kModemControl, kDropDtr));
     EXPECT_EQ(host.device().board().closings(), 1U);
 }
 

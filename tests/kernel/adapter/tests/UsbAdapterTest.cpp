@@ -4,8 +4,10 @@
 #include "DeviceHost.h"
 #include "RedirPeer.h"
 
+#include <ctime>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -182,6 +184,9 @@ TEST_F(UsbAdapterTest, PluggedInAgainItIsANewBoard) {
 TEST_F(UsbAdapterTest, AHostThatLeavesIsNoMatter) {
     plug(unpaced());
     m_host.reset();
+    const std::clock_t before = std::clock();
+    std::this_thread::sleep_for(200ms);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 20); // it sleeps
     m_adapter.unplug();
     plug(unpaced());
 }
