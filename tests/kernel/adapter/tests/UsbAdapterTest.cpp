@@ -68,11 +68,12 @@ protected:
     std::optional<RedirPeer> m_host;
 };
 
+// The plus makes a value of a field that a reference may not be bound to: the tables are packed.
 TEST_F(UsbAdapterTest, AnnouncesADeviceForTheClassDriver) {
     plug(unpaced());
     EXPECT_EQ(m_host->device->speed, usb_redir_speed_full);
     EXPECT_EQ(m_host->device->device_class, 2);
-    ASSERT_EQ(m_host->interfaces.interface_count, 2U);
+    ASSERT_EQ(+m_host->interfaces.interface_count, 2U);
     EXPECT_EQ(m_host->interfaces.interface_class[0], 2);
     EXPECT_EQ(m_host->interfaces.interface_class[1], 10);
     EXPECT_EQ(m_host->endpoints.type[1], usb_redir_type_bulk);
@@ -80,14 +81,14 @@ TEST_F(UsbAdapterTest, AnnouncesADeviceForTheClassDriver) {
     EXPECT_EQ(m_host->endpoints.type[18], usb_redir_type_interrupt);
     EXPECT_EQ(m_host->endpoints.interface[17], 1);
     EXPECT_EQ(m_host->endpoints.type[2], usb_redir_type_invalid);
-    EXPECT_EQ(m_host->endpoints.max_packet_size[17], 64);
+    EXPECT_EQ(+m_host->endpoints.max_packet_size[17], 64);
 }
 
 TEST_F(UsbAdapterTest, AnnouncesADeviceForTheFtdiDriver) {
     plug(unpaced(AdapterKind::ftdiSio));
-    EXPECT_EQ(m_host->device->vendor_id, 0x0403);
-    EXPECT_EQ(m_host->device->product_id, 0x6001);
-    EXPECT_EQ(m_host->device->device_version_bcd, 0x0600);
+    EXPECT_EQ(+m_host->device->vendor_id, 0x0403);
+    EXPECT_EQ(+m_host->device->product_id, 0x6001);
+    EXPECT_EQ(+m_host->device->device_version_bcd, 0x0600);
     EXPECT_EQ(m_host->endpoints.type[2], usb_redir_type_bulk);
     EXPECT_EQ(m_adapter.latencyTimer(), 16ms);
     EXPECT_EQ(statusOf(m_host->tell(0x4009, 1)), kSuccess);
@@ -178,7 +179,7 @@ TEST_F(UsbAdapterTest, PluggedInAgainItIsANewBoard) {
     enterProgrammingMode();
     plug(unpaced(AdapterKind::ftdiSio));
     EXPECT_EQ(m_adapter.mode(), TargetMode::running);
-    EXPECT_EQ(m_host->device->vendor_id, 0x0403);
+    EXPECT_EQ(+m_host->device->vendor_id, 0x0403);
 }
 
 TEST_F(UsbAdapterTest, AHostThatLeavesIsNoMatter) {
