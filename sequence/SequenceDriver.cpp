@@ -24,13 +24,19 @@ constexpr std::uint64_t WRITING = 103;
 constexpr std::uint8_t VOLTAGE = 0x21;
 constexpr bool CODE_FLASH = true;
 
-// Nothing that the standard library or a window throws may keep a write from its end.
+constexpr int CLOSING_ATTEMPTS = 50;
+constexpr std::chrono::milliseconds CLOSING_PAUSE{100};
+
+// Nothing that the standard library or a window throws may keep a write from its end. False when
+// something was thrown.
 template <class Action>
-void sheltered(const char* what, const Action& action) {
+bool sheltered(const char* what, const Action& action) {
     try {
         action();
+        return true;
     } catch (const std::exception& error) {
         diagnosticLog("%s: %s", what, error.what());
+        return false;
     }
 }
 
@@ -233,12 +239,17 @@ void SequenceDriver<TargetFile, Delegate>::finish(ResultCode result) {
     diagnosticLog("0x%08lX", static_cast<unsigned long>(result));
 }
 
+// Without this task a window would wait for ever. The thread has nothing else to do any more, so it
+// tries again for a few seconds: others give memory back.
 template <class TargetFile, class Delegate>
 void SequenceDriver<TargetFile, Delegate>::queueClosing() {
-    sheltered("close", [this] {
+    const auto queue = [this] {
         m_mainQueue(
             [self = this->shared_from_this(), window = m_NotifyProgress] { window->close(); });
-    });
+    };
+    for (int left = CLOSING_ATTEMPTS; !sheltered("close", queue) && left > 1; --left) {
+        std::this_thread::sleep_for(CLOSING_PAUSE);
+    }
 }
 
 template <class TargetFile, class Delegate>

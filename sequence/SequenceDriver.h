@@ -41,7 +41,8 @@ public:
     // Runs a write on the calling thread and blocks it for the whole length. The context brings
     // speed, port, file and where the outcome goes (pResultInfo, not null); its four timing fields
     // are overwritten. The progress window (not null) is told every stage, then the outcome, then,
-    // on the main thread, to close, whatever happens. Returns the result code that is also in
+    // on the main thread, to close, whatever happens; a main queue that has no memory for that task
+    // is asked again for five seconds. Returns the result code that is also in
     // pResultInfo: the first that any stage returned, each as it is.
     ResultCode start(_CONTEXTINFO context, std::shared_ptr<ProgressWindow> porgressWindw);
 

@@ -187,6 +187,22 @@ TEST_F(Driver, AMainQueueThatThrowsKeepsNoWriteFromItsEnd) {
     EXPECT_EQ(window->results.size(), 1U);
 }
 
+TEST_F(Driver, ClosesTheWindowWhenTheMainQueueHasMemoryAgain) {
+    int left = 3;
+    const auto driver = std::make_shared<NSSequenceProcessor>(
+        [&, queue = m_queue.handle()](std::function<void()> task) {
+            if (left-- > 0) {
+                throw std::bad_alloc();
+            }
+            queue(std::move(task));
+        });
+    const auto window = std::make_shared<RecordingWindow>();
+    const _CONTEXTINFO context = contextFor("/dev/no-such-port", 0, "image.bin", m_outcome);
+    EXPECT_EQ(driver->start(context, window), RESULT_PORT_OPEN_ERROR);
+    m_queue.run();
+    EXPECT_EQ(window->closings, 1);
+}
+
 TEST_F(Driver, ClosesTheWindowBeforeItsLastLine) {
     RecordingDelegate delegate;
     m_driver->setDelegate(&delegate);

@@ -1,10 +1,9 @@
-// What happens when memory runs out. A program of its own: it replaces the global allocation.
+// What happens when memory runs out.
 #include "targetfile/NSTargetFile.h"
+#include "tests/support/ScarceMemory.h"
 #include "tests/unit/targetfile/MotFixture.h"
 
-#include <cstdlib>
-#include <new>
-
+namespace flashwriter {
 namespace {
 
 constexpr std::size_t unlimited = SIZE_MAX;
@@ -15,63 +14,19 @@ constexpr std::size_t largestSmallAllocation = 1000;
 // How many more large allocations succeed.
 std::size_t largeAllocationsLeft = unlimited;
 
-void* allocate(std::size_t size) noexcept {
-    if (size > largestSmallAllocation && largeAllocationsLeft != unlimited) {
-        if (largeAllocationsLeft == 0) {
-            return nullptr;
-        }
-        --largeAllocationsLeft;
+bool isThereMemory(std::size_t size) {
+    if (size <= largestSmallAllocation || largeAllocationsLeft == unlimited) {
+        return true;
     }
-    return std::malloc(size == 0 ? 1 : size);
+    const bool isThere = largeAllocationsLeft != 0;
+    largeAllocationsLeft -= isThere ? 1 : 0;
+    return isThere;
 }
-
-void* allocateOrThrow(std::size_t size) {
-    void* const memory = allocate(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    return allocateOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-    return allocateOrThrow(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
-}
-
-namespace flashwriter {
-namespace {
 
 class AllocationFailure : public MotFixture {
 protected:
-    ~AllocationFailure() override { largeAllocationsLeft = unlimited; }
+    AllocationFailure() { testing::memoryRule = isThereMemory; }
+    ~AllocationFailure() override { testing::memoryRule = nullptr; }
 
     // Reads path when only so many large allocations succeed.
     template <class File>

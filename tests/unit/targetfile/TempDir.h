@@ -15,7 +15,7 @@ namespace flashwriter {
 // Made on construction, passable for every user, removed with all that is in it on destruction.
 class TempDir {
 public:
-    TempDir() : m_path(testing::TempDir() + "targetfile-XXXXXX") {
+    TempDir() : m_path(::testing::TempDir() + "targetfile-XXXXXX") {
         if (::mkdtemp(m_path.data()) == nullptr) {
             throw std::runtime_error("no temporary directory at " + m_path);
         }
