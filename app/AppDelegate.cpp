@@ -6,6 +6,7 @@
 #include "ui/LogText.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
+#include "ui/Shelter.h"
 
 #include <QComboBox>
 #include <QTimer>
@@ -39,7 +40,8 @@ void AppDelegate::pushUpdating(const QObject* /*sender*/) {
         return;
     }
     serialPortComboBox->clear();
-    const PortScan scan = m_launchScan.valid() ? m_launchScan.get() : scanPorts();
+    PortScan scan;
+    sheltered("scan", [&] { scan = m_launchScan.valid() ? m_launchScan.get() : scanPorts(); });
     if (scan.hasFound) {
         serialPortComboBox->addItems(scan.ports);
         serialPortComboBox->setCurrentIndex(serialPortComboBox->count() - 1);

@@ -98,10 +98,12 @@ private:
 
     static bool isBlocked();
     bool isPortMissing() const; // neither a list nor a text
-    bool fillContext();         // whether the write may begin
+    void beginWrite();
+    bool fillContext(); // whether the write may begin
     void failWrite();
 
     ResultCode probe();
+    void probeAndOpen();
     ResultCode openMonitor();
     ResultCode openMonitorPort(std::uint64_t speed); // bits per second
     void showMonitorError(ResultCode result);

@@ -10,6 +10,7 @@
 #include "ui/NSFileDropTextField.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
+#include "ui/Shelter.h"
 
 #include <QComboBox>
 #include <QGuiApplication>
@@ -60,6 +61,15 @@ void AppDelegate::pushMonitorOpen(const QObject* /*sender*/) {
         return;
     }
     m_isOpening = true;
+    if (!sheltered("pushMonitorOpen", [this] { probeAndOpen(); })) {
+        MonitorPortClose();
+    }
+    // Opening kept the main thread busy: what was pressed meanwhile, twice perhaps, meant to open.
+    QCoreApplication::processEvents();
+    m_isOpening = false;
+}
+
+void AppDelegate::probeAndOpen() {
     m_isInvertDTR = false;
     {
         const BusyCursor busy;
@@ -67,9 +77,6 @@ void AppDelegate::pushMonitorOpen(const QObject* /*sender*/) {
         DtrCheck();
     }
     MonitorPortOpen();
-    // Opening kept the main thread busy: what was pressed meanwhile, twice perhaps, meant to open.
-    QCoreApplication::processEvents();
-    m_isOpening = false;
 }
 
 void AppDelegate::MonitorPortOpen() {
@@ -159,8 +166,9 @@ ResultCode AppDelegate::MonitorTimerStart() {
     MonitorTimerStop();
     m_MonitorTimer = std::make_unique<QTimer>();
     m_MonitorTimer->setTimerType(Qt::PreciseTimer);
-    QObject::connect(m_MonitorTimer.get(), &QTimer::timeout, m_MonitorTimer.get(),
-                     [this] { MonitorTimeProc(m_MonitorTimer.get()); });
+    QObject::connect(m_MonitorTimer.get(), &QTimer::timeout, m_MonitorTimer.get(), [this] {
+        sheltered("monitor", [this] { MonitorTimeProc(m_MonitorTimer.get()); });
+    });
     m_MonitorTimer->start(TICK);
     MonitorTimeProc(m_MonitorTimer.get());
     // One that could not be started has no number, but counts as active all the same.

@@ -3,6 +3,7 @@
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
 #include "ui/ReturnKey.h"
+#include "ui/Shelter.h"
 #include "ui/WheelGuard.h"
 #include "ui_MainWindow.h"
 
@@ -90,8 +91,9 @@ bool AppDelegate::isBlocked() {
 
 void AppDelegate::connectControls() {
     const auto connect = [this](QPushButton* button, void (AppDelegate::*push)(const QObject*)) {
-        QObject::connect(button, &QPushButton::clicked, &m_connections,
-                         [this, button, push] { (this->*push)(button); });
+        QObject::connect(button, &QPushButton::clicked, &m_connections, [this, button, push] {
+            sheltered("push", [&] { (this->*push)(button); });
+        });
     };
     connect(updateButton, &AppDelegate::pushUpdating);
     connect(selectButton, &AppDelegate::pushSelect);

@@ -1,16 +1,15 @@
 // The write action.
 #include "app/AppDelegate.h"
-#include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultText.h"
 #include "targetfile/PathExtension.h"
 #include "ui/LogText.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
+#include "ui/Shelter.h"
 
 #include <QComboBox>
 
 #include <array>
-#include <system_error>
 #include <thread>
 
 namespace flashwriter {
@@ -52,6 +51,12 @@ void AppDelegate::pushWrite(const QObject* /*sender*/) {
     if (isBlocked()) {
         return;
     }
+    if (!sheltered("pushWrite", [this] { beginWrite(); })) {
+        failWrite();
+    }
+}
+
+void AppDelegate::beginWrite() {
     MonitorPortClose();
     if (!fillContext()) {
         return;
@@ -59,15 +64,11 @@ void AppDelegate::pushWrite(const QObject* /*sender*/) {
     m_statusLine->hold("Writing…");
     window->setMiniaturizeEnabled(false);
     m_progressWindow->setMainWindow(window);
+    m_progressWindow->result().forgetResult(); // should this write's not be told
     m_progressWindow->beginSheet();
     clearLogText(*logDispTextView);
     m_isMotFile = hasPathExtension(m_ContextInfo.TargetFileInfo.FilePath, "mot");
-    try {
-        std::thread(&AppDelegate::startProgramming, this).detach();
-    } catch (const std::system_error& error) {
-        diagnosticLog("startProgramming: %s", error.what());
-        failWrite();
-    }
+    std::thread(&AppDelegate::startProgramming, this).detach();
 }
 
 void AppDelegate::startProgramming() {
@@ -78,11 +79,18 @@ void AppDelegate::startProgramming() {
     }
 }
 
-// A write for which there is no thread ends like any other, with a result.
+// A write for which there is no thread or no memory ends like any other, with a result.
 void AppDelegate::failWrite() {
+    m_ContextInfo.pResultInfo = &m_ResultInfo;
     m_ResultInfo.Result = RESULT_INIT_FAILED;
-    m_progressWindow->setResult(m_ContextInfo);
-    m_mainThread.queue()([this] { m_progressWindow->close(); });
+    m_progressWindow->setMainWindow(window);
+    sheltered("setResult", [this] { m_progressWindow->setResult(m_ContextInfo); });
+    whenThereIsMemory([this] {
+        m_mainThread.queue()([this] {
+            m_progressWindow->close();
+            m_statusLine->release(); // the sheet's end does, where there was one
+        });
+    });
 }
 
 } // namespace flashwriter

@@ -3,6 +3,7 @@
 #include "advice/FormAdvice.h"
 #include "advice/MonitorAdvice.h"
 #include "ui/AnnouncedText.h"
+#include "ui/Shelter.h"
 
 #include <chrono>
 #include <utility>
@@ -22,7 +23,8 @@ StatusLine::StatusLine(QLabel& label, const MainThreadQueue& mainThread,
     : m_label(label), m_entries(std::move(entries)), m_lookup(mainThread) {
     m_soon.setSingleShot(true);
     m_soon.setInterval(SOON);
-    QObject::connect(&m_soon, &QTimer::timeout, &m_soon, [this] { look(); });
+    QObject::connect(&m_soon, &QTimer::timeout, &m_soon,
+                     [this] { sheltered("status", [this] { look(); }); });
     m_late.setSingleShot(true);
     m_late.setInterval(LATE);
     QObject::connect(&m_late, &QTimer::timeout, &m_late,

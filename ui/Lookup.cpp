@@ -1,12 +1,10 @@
 #include "ui/Lookup.h"
 
-#include "sequence/context/DiagnosticLog.h"
+#include "ui/Shelter.h"
 
 #include <atomic>
 #include <condition_variable>
-#include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -31,11 +29,11 @@ struct Lookup::Inquiry {
 
     // Asks, and hands the answer to the main thread before it says that it is there.
     static void run(const std::shared_ptr<Inquiry>& self) {
-        try {
+        const bool isThere = sheltered("lookup", [&] {
             self->text = self->question();
             self->queue([self] { self->give(); });
-        } catch (const std::exception& error) {
-            diagnosticLog("lookup: %s", error.what());
+        });
+        if (!isThere) {
             self->isWanted = false;
         }
         const std::lock_guard lock(self->mutex);
@@ -63,14 +61,15 @@ bool Lookup::ask(Question question, Answer answer, std::chrono::milliseconds pat
     if (m_unanswered.use_count() > MOST_UNANSWERED) {
         return false;
     }
-    const auto inquiry = std::make_shared<Inquiry>();
-    inquiry->question = std::move(question);
-    inquiry->answer = std::move(answer);
-    inquiry->queue = m_mainThread.queue();
-    try {
+    std::shared_ptr<Inquiry> inquiry;
+    const bool isAsked = sheltered("lookup", [&] {
+        inquiry = std::make_shared<Inquiry>();
+        inquiry->question = std::move(question);
+        inquiry->answer = std::move(answer);
+        inquiry->queue = m_mainThread.queue();
         std::thread([inquiry, unanswered = m_unanswered] { Inquiry::run(inquiry); }).detach();
-    } catch (const std::system_error& error) {
-        diagnosticLog("lookup: %s", error.what());
+    });
+    if (!isAsked) {
         return false;
     }
     m_last = inquiry;

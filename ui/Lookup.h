@@ -27,7 +27,8 @@ public:
     // by then is given before anything that the caller hands to the main thread later; on the main
     // thread, before it returns. One that comes afterwards is given when it comes, unless another
     // question has been asked or forget() been called by then. False where nothing could be asked:
-    // there was no thread, or too many questions are still unanswered. One thread at a time.
+    // there was no thread or no memory, or too many questions are still unanswered. One thread at a
+    // time.
     bool ask(Question question, Answer answer,
              std::chrono::milliseconds patience = std::chrono::milliseconds(0));
 

@@ -1,5 +1,7 @@
 #include "ui/MainThreadQueue.h"
 
+#include "ui/Shelter.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
@@ -13,18 +15,24 @@
 namespace flashwriter {
 
 // The tasks wait here and not in the events that announce them, so that the lock is all that
-// carries them from one thread to another.
+// carries them from one thread to another. There is an event for each task, and there may be more:
+// memory may run out between the two.
 struct MainThreadQueue::Tasks {
     void post(std::function<void()> task) {
-        const std::lock_guard lock(mutex);
-        if (receiver != nullptr) {
-            waiting.push_back(std::move(task));
-            QCoreApplication::postEvent(receiver, new QEvent(QEvent::User));
-        }
+        whenThereIsMemory([&] {
+            const std::lock_guard lock(mutex);
+            if (receiver != nullptr) {
+                QCoreApplication::postEvent(receiver, new QEvent(QEvent::User));
+                waiting.push_back(std::move(task));
+            }
+        });
     }
 
-    std::function<void()> take() {
+    std::function<void()> take() { // none when an event was one too many
         const std::lock_guard lock(mutex);
+        if (waiting.empty()) {
+            return nullptr;
+        }
         auto task = std::move(waiting.front());
         waiting.pop_front();
         return task;
@@ -35,7 +43,7 @@ struct MainThreadQueue::Tasks {
     QObject* receiver = nullptr; // null once the queue is gone
 };
 
-// Each event stands for one task, and is not looked at.
+// The events are not looked at.
 class MainThreadQueue::Receiver final : public QObject {
 public:
     explicit Receiver(std::shared_ptr<Tasks> tasks) : m_tasks(std::move(tasks)) {}
@@ -44,7 +52,9 @@ public:
         const auto task = m_tasks->take();
         // Should the task open a loop, that one would sleep on events that are there already.
         thread()->eventDispatcher()->wakeUp();
-        task();
+        if (task) {
+            sheltered("task", task);
+        }
     }
 
 private:

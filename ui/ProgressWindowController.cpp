@@ -7,6 +7,7 @@
 #include "ui/AnnouncedText.h"
 #include "ui/Keyboard.h"
 #include "ui/NSFileDropWindow.h"
+#include "ui/Shelter.h"
 #include "ui_ProgressWindowController.h"
 
 #include <algorithm>
@@ -34,12 +35,14 @@ void ProgressWindowController::beginSheet() {
     }
 }
 
+// There is a window only once all of it is there.
 void ProgressWindowController::loadWindow() {
-    m_window = new SheetWindow;
+    auto loading = std::make_unique<SheetWindow>();
     Ui::ProgressWindowController controls;
-    controls.setupUi(m_window);
+    controls.setupUi(loading.get());
     progressLabel = controls.progressLabel;
     progressBar = controls.progressBar;
+    m_window = loading.release();
 }
 
 std::uint64_t ProgressWindowController::UpdateProgress(std::int32_t step,
@@ -62,18 +65,23 @@ void ProgressWindowController::showProgress(const QString& text, int percentage)
 // that has gone must not keep the result from the person.
 std::uint64_t ProgressWindowController::setResult(_CONTEXTINFO context) {
     m_adviceLookup.forget(); // what is still on its way belongs to an earlier write
+    sheltered("advice", [&] { askForAdvice(context); });
+    return m_resultWindow.setResult(context);
+}
+
+void ProgressWindowController::askForAdvice(_CONTEXTINFO context) {
     m_resultWindow.setAdvice("");
     _RESULTINFO result = *context.pResultInfo;
-    if (result.Result != RESULT_OK) {
-        const auto look = [context, result]() mutable {
-            context.pResultInfo = &result;
-            return failureAdvice(result, failureFacts(context));
-        };
-        m_adviceLookup.ask(
-            look, [this](const std::string& advice) { m_resultWindow.setAdvice(advice); },
-            ADVICE_PATIENCE);
+    if (result.Result == RESULT_OK) {
+        return;
     }
-    return m_resultWindow.setResult(context);
+    const auto look = [context, result]() mutable {
+        context.pResultInfo = &result;
+        return failureAdvice(result, failureFacts(context));
+    };
+    m_adviceLookup.ask(
+        look, [this](const std::string& advice) { m_resultWindow.setAdvice(advice); },
+        ADVICE_PATIENCE);
 }
 
 void ProgressWindowController::close() {
@@ -81,7 +89,8 @@ void ProgressWindowController::close() {
 }
 
 void ProgressWindowController::windowWillClose(const QObject* /*notification*/) {
-    m_resultWindow.runModal(m_mainWindow);
+    // Whatever becomes of the result, the sheet goes.
+    sheltered("result", [this] { m_resultWindow.runModal(m_mainWindow); });
     if (!m_mainWindow.isNull()) {
         m_mainWindow->setMiniaturizeEnabled(true);
     }

@@ -45,6 +45,7 @@ public:
 
 private:
     void loadWindow();
+    void askForAdvice(_CONTEXTINFO context);
     void showProgress(const QString& text, int percentage);
     void windowWillClose(const QObject* notification);
 

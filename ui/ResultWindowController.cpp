@@ -5,9 +5,12 @@
 #include "ui/AnnouncedText.h"
 #include "ui/Keyboard.h"
 #include "ui/ReturnKey.h"
+#include "ui/Shelter.h"
 #include "ui_ResultWindowController.h"
 
 #include <QStyle>
+
+#include <utility>
 
 namespace flashwriter {
 
@@ -20,13 +23,24 @@ ResultWindowController::~ResultWindowController() {
 
 std::uint64_t ResultWindowController::setResult(_CONTEXTINFO context) {
     const _RESULTINFO result = *context.pResultInfo;
-    m_mainThread.run([this, result] {
-        m_dispMsg = QString::fromStdString(flashwriter::resultMessage(result));
-        m_isFailure = result.Result != RESULT_OK;
-        showMessage();
-        resultWindow().repaint();
+    whenThereIsMemory([&] {
+        m_mainThread.run([this, result] { whenThereIsMemory([&] { showResult(result); }); });
     });
     return 0;
+}
+
+void ResultWindowController::showResult(const _RESULTINFO& result) {
+    m_dispMsg = QString::fromStdString(flashwriter::resultMessage(result));
+    m_isFailure = result.Result != RESULT_OK;
+    showMessage();
+    resultWindow().repaint();
+}
+
+void ResultWindowController::forgetResult() {
+    m_dispMsg.clear();
+    m_advice.clear();
+    m_isFailure = true;
+    showMessage();
 }
 
 void ResultWindowController::setAdvice(const std::string& advice) {
@@ -63,20 +77,23 @@ NSCenteringWindow& ResultWindowController::resultWindow() {
     return *m_resultWindow;
 }
 
+// There is a window only once all of it is there.
 void ResultWindowController::loadWindow() {
-    m_resultWindow = new NSCenteringWindow;
-    m_resultWindow->awakeFromNib();
-    m_ui = std::make_unique<Ui::ResultWindowController>();
-    m_ui->setupUi(m_resultWindow);
-    resultMessage = m_ui->resultMessage;
-    for (QLabel* text : {m_ui->resultMessage, m_ui->resultAdvice}) {
+    auto loading = std::make_unique<NSCenteringWindow>();
+    loading->awakeFromNib();
+    auto controls = std::make_unique<Ui::ResultWindowController>();
+    controls->setupUi(loading.get());
+    for (QLabel* text : {controls->resultMessage, controls->resultAdvice}) {
         text->setFocusPolicy(Qt::StrongFocus); // to copy it without a mouse
     }
-    ignoreRepeatedReturn(*m_ui->okButton);
-    QObject::connect(m_ui->okButton, &QPushButton::clicked, m_resultWindow,
+    ignoreRepeatedReturn(*controls->okButton);
+    QObject::connect(controls->okButton, &QPushButton::clicked, loading.get(),
                      [this] { pushOK(m_ui->okButton); });
-    QObject::connect(m_resultWindow, &QDialog::finished, m_resultWindow,
+    QObject::connect(loading.get(), &QDialog::finished, loading.get(),
                      [this] { windowWillClose(m_resultWindow); });
+    m_ui = std::move(controls);
+    resultMessage = m_ui->resultMessage;
+    m_resultWindow = loading.release();
     windowDidLoad();
 }
 

@@ -37,6 +37,9 @@ public:
     // and shows it. Any thread; the outcome is read before it returns. Returns 0.
     std::uint64_t setResult(_CONTEXTINFO context);
 
+    // Shows no result, until there is one.
+    void forgetResult();
+
     // What the person can do about the outcome, UTF-8, beside the message; empty hides it. Any
     // thread.
     void setAdvice(const std::string& advice);
@@ -54,6 +57,7 @@ private:
     void loadWindow();
     void windowDidLoad();
     static void windowWillClose(const QObject* notification);
+    void showResult(const _RESULTINFO& result);
     void showMessage();
 
     const MainThreadQueue& m_mainThread;
