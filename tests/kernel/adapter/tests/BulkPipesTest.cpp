@@ -1,14 +1,12 @@
 // Transfers that are held, cancelled, or refused.
 
+#include "CdcRequests.h"
 #include "DeviceHost.h"
 
 #include <gtest/gtest.h>
 
 namespace flashwriter::kernel {
 namespace {
-
-constexpr std::uint8_t kOut = 0x01;
-constexpr std::uint16_t kLineState = 0x2122;
 
 // A host that has the port open, of a board that takes nothing.
 class StuckHost : public DeviceHost {
@@ -34,7 +32,7 @@ TEST(BulkPipes, CancelledTransfersComeBack) {
 TEST(BulkPipes, AResetEndsAllTransfers) {
     StuckHost host("stuck@1");
     const std::uint64_t asked = host.askForBytes(512);
-    const std::uint64_t handed = host.handBytes({1, 2, 3}, kOut);
+    const std::uint64_t handed = host.handBytes({1, 2, 3}, kCdcOut);
     EXPECT_FALSE(host.finished(handed));
     host.device().reset();
     EXPECT_EQ(host.finished(asked).value().status, UsbStatus::cancelled);
@@ -43,7 +41,7 @@ TEST(BulkPipes, AResetEndsAllTransfers) {
 
 TEST(BulkPipes, AStuckAdapterTakesNothing) {
     StuckHost host("stuck@1");
-    const std::uint64_t handed = host.handBytes({1, 2, 3}, kOut);
+    const std::uint64_t handed = host.handBytes({1, 2, 3}, kCdcOut);
     host.wait(1h);
     EXPECT_FALSE(host.finished(handed));
     host.device().cancel(handed);
@@ -52,8 +50,8 @@ TEST(BulkPipes, AStuckAdapterTakesNothing) {
 
 TEST(BulkPipes, AStuckAdapterMayHaveSomeRoomLeft) {
     StuckHost host("stuck:5@1");
-    EXPECT_EQ(host.finished(host.handBytes({1, 2, 3}, kOut)).value().length, 3U);
-    const std::uint64_t cut = host.handBytes({1, 2, 3}, kOut);
+    EXPECT_EQ(host.finished(host.handBytes({1, 2, 3}, kCdcOut)).value().length, 3U);
+    const std::uint64_t cut = host.handBytes({1, 2, 3}, kCdcOut);
     EXPECT_FALSE(host.finished(cut));
     host.device().cancel(cut);
     EXPECT_EQ(host.finished(cut).value().length, 2U);
@@ -61,7 +59,7 @@ TEST(BulkPipes, AStuckAdapterMayHaveSomeRoomLeft) {
 
 TEST(BulkPipes, ALongTransferIsTakenAsTheWireGetsFree) {
     DeviceHost host(AdapterKind::cdcAcm);
-    const std::uint64_t handed = host.handBytes(Bytes(5000), kOut); // at 9600 bits per second
+    const std::uint64_t handed = host.handBytes(Bytes(5000), kCdcOut); // at 9600 bits per second
     EXPECT_FALSE(host.finished(handed));
     host.wait(1s);
     EXPECT_FALSE(host.finished(handed));
@@ -77,7 +75,7 @@ TEST(BulkPipes, WhatNoEndpointIsForIsRefused) {
           host.askForBytes(0)}) {
         EXPECT_EQ(host.finished(id).value().status, UsbStatus::invalid) << id;
     }
-    EXPECT_EQ(host.finished(host.handBytes({}, kOut)).value().status, UsbStatus::success);
+    EXPECT_EQ(host.finished(host.handBytes({}, kCdcOut)).value().status, UsbStatus::success);
 }
 
 TEST(BulkPipes, BytesThatNobodyAsksForAreKeptUpToALimit) {

@@ -1,5 +1,6 @@
 // The requests of the communications device class, and its plain bytes.
 
+#include "CdcRequests.h"
 #include "DeviceHost.h"
 
 #include <algorithm>
@@ -12,12 +13,6 @@ namespace {
 using board::commandFrame;
 using board::kAcknowledged;
 using board::TargetMode;
-
-constexpr std::uint8_t kOut = 0x01;
-constexpr std::uint16_t kSetLineCoding = 0x2120;
-constexpr std::uint16_t kGetLineCoding = 0xA121;
-constexpr std::uint16_t kLineState = 0x2122;
-constexpr std::uint16_t kBreak = 0x2123;
 
 Bytes codingFor(std::uint32_t speed) {
     Bytes coding;
@@ -34,7 +29,7 @@ void enterProgrammingMode(DeviceHost& host) {
     host.tell(kBreak, 0xFFFF);
     host.tell(kLineState, 2);
     host.tell(kBreak, 0);
-    host.handBytes({0x00}, kOut);
+    host.handBytes({0x00}, kCdcOut);
     host.wait(1ms);
 }
 
@@ -97,7 +92,7 @@ TEST(CdcChip, ExchangesFrames) {
     const std::uint64_t asked = host.askForBytes(512);
     enterProgrammingMode(host);
     ASSERT_EQ(host.mode(), TargetMode::awaitBaudRate);
-    const std::uint64_t handed = host.handBytes(commandFrame({0x9A, 0, 33}), kOut);
+    const std::uint64_t handed = host.handBytes(commandFrame({0x9A, 0, 33}), kCdcOut);
     EXPECT_EQ(host.finished(handed).value().length, 7U);
     EXPECT_FALSE(host.finished(asked)); // the bytes have to pass the wire
     host.wait(12 * 95486ns);
@@ -108,7 +103,7 @@ TEST(CdcChip, ExchangesFrames) {
 TEST(CdcChip, BytesWaitForAHostThatAsksLate) {
     DeviceHost host(AdapterKind::cdcAcm);
     enterProgrammingMode(host);
-    host.handBytes(commandFrame({0x9A, 0, 33}), kOut);
+    host.handBytes(commandFrame({0x9A, 0, 33}), kCdcOut);
     host.wait(10ms);
     EXPECT_EQ(host.finished(host.askForBytes(64)).value().data, kAcknowledged);
 }

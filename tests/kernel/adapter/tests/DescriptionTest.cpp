@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint16_t kGetDescriptor = 0x8006;
 
-class Description : public testing::TestWithParam<AdapterKind> {
+class Description : public ::testing::TestWithParam<AdapterKind> {
 protected:
     DeviceHost m_host{GetParam()};
 };

@@ -14,7 +14,7 @@ using board::commandFrame;
 using board::kAcknowledged;
 using board::TargetMode;
 
-constexpr std::uint8_t kOut = 0x02;
+constexpr std::uint8_t kFtdiOut = 0x02;
 constexpr std::uint16_t kReset = 0x4000;
 constexpr std::uint16_t kModemControl = 0x4001;
 constexpr std::uint16_t kSpeed = 0x4003;
@@ -127,7 +127,7 @@ TEST(FtdiChip, StatusTellsWhetherEverythingIsSent) {
     DeviceHost host(AdapterKind::ftdiSio);
     host.tell(kModemControl, kRaiseBoth);
     EXPECT_EQ(host.ask(kModemStatus, 0, 2), kIdle);
-    host.handBytes(Bytes(10), kOut);
+    host.handBytes(Bytes(10), kFtdiOut);
     EXPECT_EQ(host.ask(kModemStatus, 0, 2), (Bytes{0x01, 0x00}));
     host.wait(1s);
     EXPECT_EQ(host.ask(kModemStatus, 0, 2), kIdle);
@@ -185,11 +185,11 @@ TEST(FtdiChip, ExchangesFrames) {
     host.tell(kData, kBreakOn);
     host.tell(kModemControl, kDropDtr);
     host.tell(kData, kBreakOff);
-    host.handBytes({0x00}, kOut);
+    host.handBytes({0x00}, kFtdiOut);
     host.wait(1ms);
     host.askForBytes(512);
     const std::uint64_t asked = host.askForBytes(512);
-    host.handBytes(commandFrame({0x9A, 0, 33}), kOut);
+    host.handBytes(commandFrame({0x9A, 0, 33}), kFtdiOut);
     host.wait(16ms);
     const Bytes bytes = host.finished(asked).value().data;
     ASSERT_EQ(bytes.size(), 7U);

@@ -12,7 +12,7 @@ namespace flashwriter::kernel {
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds; a guard against hanging, not a measure
+constexpr int kAnswerPatience = 20'000; // milliseconds; a guard against hanging, not a measure
 
 std::string makeFolder() {
     std::string folder = "/tmp/redir-peer-XXXXXX";
@@ -47,7 +47,7 @@ RedirListener::~RedirListener() {
 }
 
 board::Descriptor RedirListener::accept() const {
-    if (!readable(m_socket.get(), kPatience)) {
+    if (!readable(m_socket.get(), kAnswerPatience)) {
         return {};
     }
     return board::Descriptor(
@@ -111,7 +111,8 @@ RedirPeer::RedirPeer(board::Descriptor socket) : RedirEnd(std::move(socket)) {
 }
 
 bool RedirPeer::await(const std::function<bool()>& condition) {
-    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPatience);
+    const auto giveUp =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(kAnswerPatience);
     flush();
     while (!condition()) {
         if (!connected() || std::chrono::steady_clock::now() > giveUp) {

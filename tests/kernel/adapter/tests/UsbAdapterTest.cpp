@@ -1,6 +1,7 @@
 // The adapter over a socket, as a host meets it.
 
 #include "tests/kernel/adapter/UsbAdapter.h"
+#include "CdcRequests.h"
 #include "DeviceHost.h"
 #include "RedirPeer.h"
 
@@ -25,12 +26,7 @@ constexpr std::uint8_t kStalled = 4;
 
 constexpr auto kPatience = 20s; // a guard against hanging, not a measure
 
-// Requests of the communications device class.
-constexpr std::uint16_t kSetLineCoding = 0x2120;
-constexpr std::uint16_t kLineState = 0x2122;
-constexpr std::uint16_t kBreak = 0x2123;
-
-class UsbAdapterTest : public testing::Test {
+class UsbAdapterTest : public ::testing::Test {
 protected:
     // Plugs one in, and waits until the host knows it.
     void plug(const UsbAdapterOptions& options) {
