@@ -1,5 +1,9 @@
 # The fuzz targets: programs that call the tree's code with inputs which a fuzzer invents.
 
+if(FLASHWRITER_FUZZ AND NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  message(FATAL_ERROR "FLASHWRITER_FUZZ needs Clang")
+endif()
+
 # flashwriter_fuzz_target(<name> SOURCES <file>... [DEPENDS <target>...]
 #                         [MAX_LENGTH <bytes>] [DICTIONARY <file>] [RUNS <count>] [OPTIONS <option>...])
 # The program fuzz_<name>, and the test fuzz.<name> of the suite: each file of tests/fuzz/corpus/<name>,
