@@ -1,10 +1,10 @@
 #include "serial/PortList.h"
 
+#include "serial/DirectoryNames.h"
+
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 namespace flashwriter {
 
@@ -18,12 +18,9 @@ constexpr std::array<std::string_view, 3> BEGINNINGS{"cu.u", "ttyUSB", "ttyACM"}
 
 std::vector<std::string> portList(const std::string& directory) {
     std::vector<std::string> ports;
-    std::error_code error;
-    std::filesystem::directory_iterator entries(directory, error);
-    for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
-        const std::string name = entries->path().filename();
+    for (const std::string& name : directoryNames(directory)) {
         if (std::ranges::any_of(BEGINNINGS, [&](auto start) { return name.starts_with(start); })) {
-            ports.push_back(entries->path());
+            ports.emplace_back(directory).append("/").append(name);
         }
     }
     std::ranges::sort(ports);

@@ -2,13 +2,16 @@
 // belongs to in /sys.
 #include "serial/platform/PortInspection.h"
 
+#include "serial/DirectoryNames.h"
+
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
-#include <filesystem>
+#include <climits>
 #include <fstream>
 #include <optional>
 
@@ -16,24 +19,14 @@ namespace flashwriter::platform {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-// Goes through a directory that may change or vanish meanwhile, until use answers true; whether it
-// ever did.
-template <class Use>
-bool anyEntry(const fs::path& directory, Use use) {
-    std::error_code error;
-    fs::directory_iterator entries(directory, error);
-    for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-        if (use(entries->path())) {
-            return true;
-        }
-    }
-    return false;
+// The text of a symbolic link; empty when it cannot be read.
+std::string textOf(const std::string& link) {
+    std::array<char, PATH_MAX> text{};
+    const ssize_t size = ::readlink(link.c_str(), text.data(), text.size());
+    return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
 }
 
-std::optional<std::int32_t> processId(const fs::path& entry) {
-    const std::string name = entry.filename();
+std::optional<std::int32_t> processId(const std::string& name) {
     std::int32_t pid = 0;
     const auto parsed = std::from_chars(name.data(), name.data() + name.size(), pid);
     return parsed.ec == std::errc() && parsed.ptr == name.data() + name.size() ? std::optional(pid)
@@ -42,16 +35,21 @@ std::optional<std::int32_t> processId(const fs::path& entry) {
 
 // The link's text is looked at first, so that nothing but devices is ever asked for its status: a
 // file on a network that does not answer would keep us waiting.
-bool leadsTo(const fs::path& link, dev_t device) {
-    std::error_code error;
-    const std::string target = fs::read_symlink(link, error);
+bool leadsTo(const std::string& link, dev_t device) {
     struct stat status {};
-    return !error && target.starts_with("/dev/") && ::stat(link.c_str(), &status) == 0 &&
+    return textOf(link).starts_with("/dev/") && ::stat(link.c_str(), &status) == 0 &&
            S_ISCHR(status.st_mode) && status.st_rdev == device;
 }
 
-std::string nameOf(const fs::path& process) {
-    std::ifstream file(process / "comm");
+bool holds(const std::string& process, dev_t device) {
+    const std::string links = process + "/fd";
+    return std::ranges::any_of(directoryNames(links), [&](const std::string& name) {
+        return leadsTo(links + "/" + name, device);
+    });
+}
+
+std::string nameOf(const std::string& process) {
+    std::ifstream file(process + "/comm");
     std::string name;
     std::getline(file, name);
     return name;
@@ -65,15 +63,13 @@ std::vector<PortHolder> portHolders(const std::string& path) {
         return {};
     }
     std::vector<PortHolder> holders;
-    anyEntry("/proc", [&](const fs::path& process) {
-        const auto pid = processId(process);
-        if (pid && *pid != ::getpid() && anyEntry(process / "fd", [&](const fs::path& link) {
-                return leadsTo(link, status.st_rdev);
-            })) {
+    for (const std::string& name : directoryNames("/proc")) {
+        const auto pid = processId(name);
+        const std::string process = "/proc/" + name;
+        if (pid && *pid != ::getpid() && holds(process, status.st_rdev)) {
             holders.push_back({*pid, nameOf(process)});
         }
-        return false;
-    });
+    }
     std::ranges::sort(holders, {}, &PortHolder::pid);
     return holders;
 }
@@ -86,9 +82,8 @@ bool isOtherDevice(const std::string& path) {
     }
     const std::string number = std::to_string(gnu_dev_major(status.st_rdev)) + ":" +
                                std::to_string(gnu_dev_minor(status.st_rdev));
-    std::error_code error;
-    const fs::path deviceClass = fs::read_symlink("/sys/dev/char/" + number + "/subsystem", error);
-    return !error && deviceClass.filename() != "tty";
+    const std::string deviceClass = textOf("/sys/dev/char/" + number + "/subsystem");
+    return !deviceClass.empty() && !deviceClass.ends_with("/tty");
 }
 
 // Adapters without a protocol of their own are ttyUSB, those of the modem class are ttyACM.
