@@ -18,6 +18,7 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <variant>
 
@@ -27,6 +28,11 @@ namespace {
 
 constexpr int WRITTEN = 0;
 constexpr int FAILED = 1;
+
+// Said when there is no memory to say more.
+constexpr std::string_view NO_MEMORY = "flashwrite: not enough memory\n";
+constexpr std::string_view WRITTEN_WITHOUT_MEMORY =
+    "flashwrite: the image is written and verified, but there is not enough memory to go on\n";
 
 // Prints the log of either driver as it comes.
 class LogPrinter final : public NSSequenceProcessorDelegate,
@@ -84,15 +90,16 @@ void report(const _CONTEXTINFO& context, ConsoleOutput& output) {
     }
 }
 
+int statusOf(const _RESULTINFO& result) {
+    return result.Result == RESULT_OK ? WRITTEN : FAILED;
+}
+
 int end(const NoWrite& reason) {
     writeAll(reason.status == 0 ? STDOUT_FILENO : STDERR_FILENO, reason.text);
     return reason.status;
 }
 
-} // namespace
-
-int consoleWrite(int argc, const char* const* argv) {
-    secureStandardStreams();
+int runProgram(int argc, const char* const* argv, _RESULTINFO& result) {
     const auto arguments = parseArguments(argc, argv);
     if (const auto* reason = std::get_if<NoWrite>(&arguments)) {
         return end(*reason);
@@ -102,12 +109,25 @@ int consoleWrite(int argc, const char* const* argv) {
     if (output.showsProgress()) {
         setDiagnosticSink([](const char*) {}); // they would run through the progress
     }
-    _RESULTINFO result{};
-    result.Result = RESULT_INIT_FAILED; // until a write says otherwise
     auto context = std::get<_CONTEXTINFO>(arguments);
     context.pResultInfo = &result;
     report(tryWrite(context, output), output);
-    return result.Result == RESULT_OK ? WRITTEN : FAILED;
+    return statusOf(result);
+}
+
+} // namespace
+
+int consoleWrite(int argc, const char* const* argv) {
+    secureStandardStreams();
+    _RESULTINFO result{};
+    result.Result = RESULT_INIT_FAILED; // until a write says otherwise
+    try {
+        return runProgram(argc, argv, result);
+    } catch (const std::exception&) {
+        // Before the write, or after it, when some of the outcome may have been told already.
+        writeAll(STDERR_FILENO, result.Result == RESULT_OK ? WRITTEN_WITHOUT_MEMORY : NO_MEMORY);
+        return statusOf(result);
+    }
 }
 
 } // namespace flashwriter

@@ -1,5 +1,8 @@
 #include "console/MainLoop.h"
 
+#include "sequence/context/DiagnosticLog.h"
+
+#include <exception>
 #include <utility>
 
 namespace flashwriter {
@@ -24,7 +27,11 @@ void MainLoop::run() {
         const std::function<void()> task = std::move(m_tasks.front());
         m_tasks.pop_front();
         lock.unlock();
-        task();
+        try {
+            task();
+        } catch (const std::exception& error) {
+            diagnosticLog("task: %s", error.what());
+        }
         lock.lock();
     }
 }

@@ -20,7 +20,8 @@ public:
     void post(std::function<void()> task);
 
     // Runs tasks on the calling thread until end() has been called and none is left. A task may
-    // post others.
+    // post others. One that throws, as want of memory makes it, keeps none of the others from
+    // being run.
     void run();
 
     // Any thread: nothing more is coming. Tasks that are waiting are still run.

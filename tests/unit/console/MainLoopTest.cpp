@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -35,6 +36,16 @@ TEST(MainLoop, RunsTasksThatTasksPostAfterTheEnd) {
     loop.end();
     loop.run();
     EXPECT_THAT(order, ElementsAre(1, 2, 3));
+}
+
+TEST(MainLoop, RunsTheOthersAfterATaskThatThrows) {
+    MainLoop loop;
+    bool isNextRun = false;
+    loop.post([] { throw std::bad_alloc(); });
+    loop.post([&] { isNextRun = true; });
+    loop.end();
+    loop.run();
+    EXPECT_TRUE(isNextRun);
 }
 
 TEST(MainLoop, KeepsTheOrderOfAnotherThreadAndRunsOnItsOwn) {
