@@ -29,9 +29,26 @@ TEST(Printable, TakesChangesOfDirectionOut) {
 // Their neighbours, and what only begins or ends with the same bytes.
 TEST(Printable, LeavesWhatIsNearThemAlone) {
     for (const char* text : {"\u2027", "\u202F", "\u2065", "\u206A", "\u00A0", "\u00C5", "…",
-                             "\xE2\x80", "\x85", "עברית", "العربية"}) {
+                             "\U0001F4BE", "\U000E0080", "עברית", "العربية"}) {
         EXPECT_EQ(printable(text), text);
     }
+}
+
+// A terminal obeys these like those that begin with ESC.
+TEST(Printable, TakesTheOtherControlCharactersOut) {
+    EXPECT_EQ(printable("a\u009B31mb\u0090c\u0080d"), "a?31mb?c?d");
+}
+
+TEST(Printable, TakesBytesOutThatAreNoCharacters) {
+    EXPECT_EQ(printable("a\xFF\xFE"
+                        "b\x9B"
+                        "c\x85"),
+              "a??b?c?");
+    EXPECT_EQ(printable("Gr\xF6\xDF"
+                        "e"),
+              "Gr??e");
+    EXPECT_EQ(printable("\xE2\x80"), "??") << "a character that is cut off";
+    EXPECT_EQ(printable("\xC0\xAF\xED\xA0\x80"), "?????") << "forms that stand for nothing";
 }
 
 } // namespace
