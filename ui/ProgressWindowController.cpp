@@ -11,11 +11,25 @@
 #include "ui_ProgressWindowController.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace flashwriter {
 
+namespace {
+
+constexpr std::chrono::seconds STANDSTILL{2};
+const char* const CONNECTED = "Leave the board connected until the result appears.";
+const char* const WAITING = "Nothing has happened for a while: the board is silent, or its adapter "
+                            "does not take what was sent. Unplug the adapter to end the write.";
+
+} // namespace
+
 ProgressWindowController::ProgressWindowController(const MainThreadQueue& mainThread)
-    : m_mainThread(mainThread), m_resultWindow(mainThread), m_adviceLookup(mainThread) {}
+    : m_mainThread(mainThread), m_resultWindow(mainThread), m_adviceLookup(mainThread) {
+    m_standstill.setSingleShot(true);
+    m_standstill.setInterval(STANDSTILL);
+    QObject::connect(&m_standstill, &QTimer::timeout, &m_standstill, [this] { showHint(WAITING); });
+}
 
 ProgressWindowController::~ProgressWindowController() {
     delete m_window.data();
@@ -42,6 +56,7 @@ void ProgressWindowController::loadWindow() {
     controls.setupUi(loading.get());
     progressLabel = controls.progressLabel;
     progressBar = controls.progressBar;
+    progressHint = controls.progressHint;
     m_window = loading.release();
 }
 
@@ -58,6 +73,14 @@ void ProgressWindowController::showProgress(const QString& text, int percentage)
         // A bar would stay where it is on a value beyond its ends.
         progressBar->setValue(
             std::clamp(percentage, progressBar->minimum(), progressBar->maximum()));
+        showHint(CONNECTED);
+        m_standstill.start();
+    }
+}
+
+void ProgressWindowController::showHint(const char* text) {
+    if (!m_window.isNull()) {
+        setAnnouncedText(*progressHint, text);
     }
 }
 
@@ -85,6 +108,8 @@ void ProgressWindowController::askForAdvice(_CONTEXTINFO context) {
 }
 
 void ProgressWindowController::close() {
+    m_standstill.stop();
+    showHint(CONNECTED);
     windowWillClose(m_window);
 }
 

@@ -8,6 +8,7 @@
 
 #include <QPointer>
 #include <QRectF>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -18,7 +19,8 @@ class QProgressBar;
 namespace flashwriter {
 
 // The sheet that shows a write on the main window, and what follows it: the result. Made once and
-// used for every write. Main thread, but for what says otherwise.
+// used for every write. A write that has not come further for two seconds is said to be waiting.
+// Main thread, but for what says otherwise.
 class ProgressWindowController final : public ProgressWindow {
 public:
     // The queue is borrowed and must outlive this object.
@@ -47,6 +49,7 @@ private:
     void loadWindow();
     void askForAdvice(_CONTEXTINFO context);
     void showProgress(const QString& text, int percentage);
+    void showHint(const char* text);
     void windowWillClose(const QObject* notification);
 
     const MainThreadQueue& m_mainThread;
@@ -57,6 +60,8 @@ private:
     QPointer<SheetWindow> m_window; // goes with the main window
     QPointer<QLabel> progressLabel;
     QPointer<QProgressBar> progressBar;
+    QPointer<QLabel> progressHint;
+    QTimer m_standstill; // runs out when there is no progress for a while
 };
 
 } // namespace flashwriter
