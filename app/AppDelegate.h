@@ -2,6 +2,7 @@
 
 #include "app/MonitorText.h"
 #include "app/PortScan.h"
+#include "app/PortWork.h"
 #include "app/StatusLine.h"
 #include "sequence/NSSequenceProcessor.h"
 #include "sequence/NSSequenceProcessorForMot.h"
@@ -13,6 +14,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <memory>
 #include <string>
@@ -66,7 +68,8 @@ public:
 
     // The serial monitor. DtrCheck() opens the port, finds out at which level of DTR the board
     // answers, and closes it; MonitorPortOpen() then opens it for reading, or shows why not. Both
-    // keep the main thread busy, for up to two seconds. MonitorPortClose() may come at any time.
+    // keep the main thread busy, for up to two seconds, and all three for as long as the system is
+    // busy with the port, see PortWork.h.
     void DtrCheck();
     void MonitorPortOpen();
     void MonitorPortClose();
@@ -96,7 +99,7 @@ private:
     void connectStatusLine(QLabel& label);
     void createMonitorPort();
 
-    static bool isBlocked();
+    bool isBlocked() const;
     bool isPortMissing() const; // neither a list nor a text
     void beginWrite();
     bool fillContext(); // whether the write may begin
@@ -106,6 +109,9 @@ private:
     void probeAndOpen();
     ResultCode openMonitor();
     ResultCode openMonitorPort(std::uint64_t speed); // bits per second
+    ResultCode onPort(const std::function<ResultCode()>& operation);
+    void showPortHeld();
+    void tick();
     void showMonitorError(ResultCode result);
     ResultCode portName(char (&name)[260]);
     void waitUntilReading() const;
@@ -130,6 +136,7 @@ private:
     bool m_isOpening = false;           // the monitor
     MonitorText m_monitorText;
     std::unique_ptr<StatusLine> m_statusLine;
+    PortWork m_portWork;
 
     // The main window's controls, which belong to it.
     QComboBox* serialPortComboBox = nullptr;

@@ -98,11 +98,7 @@ ResultCode AppDelegate::openMonitor() {
     if (!speed) {
         return RESULT_BAUD_RATE_CHANGE_FAILED;
     }
-    ResultCode result = openMonitorPort(*speed);
-    if (result == RESULT_OK) {
-        waitUntilReading();
-        result = driveDtr(!m_isInvertDTR);
-    }
+    const ResultCode result = openMonitorPort(*speed);
     return result == RESULT_OK ? MonitorTimerStart() : result;
 }
 
@@ -116,9 +112,27 @@ ResultCode AppDelegate::openMonitorPort(std::uint64_t speed) {
         addLogDispTextView(getResultText(static_cast<std::int64_t>(result)));
         return result;
     }
-    m_MonitorComPort->ClearReceiveBuffer();
     m_monitorText.reset();
-    return m_MonitorComPort->OpenForMonitor(name, speed);
+    return onPort([&] {
+        m_MonitorComPort->ClearReceiveBuffer();
+        const ResultCode opened = m_MonitorComPort->OpenForMonitor(name, speed);
+        if (opened != RESULT_OK) {
+            return opened;
+        }
+        waitUntilReading();
+        return driveDtr(!m_isInvertDTR);
+    });
+}
+
+ResultCode AppDelegate::onPort(const std::function<ResultCode()>& operation) {
+    ResultCode result = RESULT_OK;
+    m_portWork.run([&] { result = operation(); });
+    return result;
+}
+
+void AppDelegate::showPortHeld() {
+    m_statusLine->hold("Still waiting for the port: its adapter does not take what was sent. "
+                       "Unplug the adapter to go on.");
 }
 
 ResultCode AppDelegate::portName(char (&name)[260]) {
@@ -153,11 +167,11 @@ void AppDelegate::showMonitorError(ResultCode result) {
 
 void AppDelegate::MonitorPortClose() {
     if (m_isMonitorOpen) {
-        driveDtr(m_isInvertDTR);
+        onPort([this] { return driveDtr(m_isInvertDTR); });
     }
     m_isMonitorOpen = false;
     MonitorTimerStop();
-    m_MonitorComPort->Close();
+    m_portWork.run([this] { m_MonitorComPort->Close(); });
     SetControlEnabledModeMonitor(true);
     m_statusLine->release();
 }
@@ -166,13 +180,19 @@ ResultCode AppDelegate::MonitorTimerStart() {
     MonitorTimerStop();
     m_MonitorTimer = std::make_unique<QTimer>();
     m_MonitorTimer->setTimerType(Qt::PreciseTimer);
-    QObject::connect(m_MonitorTimer.get(), &QTimer::timeout, m_MonitorTimer.get(), [this] {
-        sheltered("monitor", [this] { MonitorTimeProc(m_MonitorTimer.get()); });
-    });
+    QObject::connect(m_MonitorTimer.get(), &QTimer::timeout, m_MonitorTimer.get(),
+                     [this] { tick(); });
     m_MonitorTimer->start(TICK);
     MonitorTimeProc(m_MonitorTimer.get());
     // One that could not be started has no number, but counts as active all the same.
     return m_MonitorTimer->timerId() > 0 ? RESULT_OK : RESULT_MONITOR_TIMER_FAILED;
+}
+
+// The transport is another thread's while something is done to the port.
+void AppDelegate::tick() {
+    if (!m_portWork.isBusy()) {
+        sheltered("monitor", [this] { MonitorTimeProc(m_MonitorTimer.get()); });
+    }
 }
 
 void AppDelegate::MonitorTimerStop() {

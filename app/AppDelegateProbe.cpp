@@ -31,16 +31,22 @@ ResultCode AppDelegate::probe() {
     }
     char name[260] = {};
     ResultCode result = portName(name);
-    if (result == RESULT_OK) {
-        m_MonitorComPort->ClearReceiveBuffer();
-        result = m_MonitorComPort->Open(name);
-    }
     if (result != RESULT_OK) {
         return result;
     }
-    waitUntilReading();
+    result = onPort([&] {
+        m_MonitorComPort->ClearReceiveBuffer();
+        const ResultCode opened = m_MonitorComPort->Open(name);
+        if (opened == RESULT_OK) {
+            waitUntilReading();
+        }
+        return opened;
+    });
+    if (result != RESULT_OK) {
+        return result;
+    }
     m_isMonitorOpen = true; // so that closing drives DTR
-    return comBaudRateSetProc(PROBE_SPEED_INDEX, PROBE_VOLTAGE);
+    return onPort([this] { return comBaudRateSetProc(PROBE_SPEED_INDEX, PROBE_VOLTAGE); });
 }
 
 ResultCode AppDelegate::comBaudRateSetProc(std::uint8_t rateIndex, std::uint8_t voltage) {

@@ -53,7 +53,8 @@ void showAbout(QWidget* window) {
 
 } // namespace
 
-AppDelegate::AppDelegate(NSFileDropWindow& mainWindow) : window(&mainWindow) {
+AppDelegate::AppDelegate(NSFileDropWindow& mainWindow)
+    : m_portWork(mainWindow, [this] { showPortHeld(); }), window(&mainWindow) {
     Ui::MainWindow controls;
     controls.setupUi(window);
     serialPortComboBox = controls.serialPortComboBox;
@@ -84,9 +85,10 @@ AppDelegate::~AppDelegate() {
     window->whenSheetEnds(nullptr);
 }
 
-// A window over the main one keeps mouse and keys from it, but not a screen reader's presses.
-bool AppDelegate::isBlocked() {
-    return QApplication::activeModalWidget() != nullptr;
+// A window over the main one keeps mouse and keys from it, but not a screen reader's presses. Nor
+// does a port that is being waited for.
+bool AppDelegate::isBlocked() const {
+    return QApplication::activeModalWidget() != nullptr || m_portWork.isBusy();
 }
 
 void AppDelegate::connectControls() {

@@ -60,7 +60,15 @@ void NSFileDropWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void NSFileDropWindow::closeEvent(QCloseEvent* event) {
-    event->setAccepted(!m_isSheetUp);
+    m_isCloseDue = m_isCloseHeld;
+    event->setAccepted(!m_isSheetUp && !m_isCloseHeld);
+}
+
+void NSFileDropWindow::holdClose(bool isHeld) {
+    m_isCloseHeld = isHeld;
+    if (!isHeld && m_isCloseDue) {
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+    }
 }
 
 // A modal window, or a program that dragged something here and died, keeps the end of a drag from

@@ -34,6 +34,10 @@ public:
     // Is called each time that a sheet has been taken away.
     void whenSheetEnds(std::function<void()> action) { m_sheetEnd = std::move(action); }
 
+    // While it is held the window does not close. Who asks it to has not asked in vain: it closes
+    // soon after.
+    void holdClose(bool isHeld);
+
 protected:
     bool event(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -47,6 +51,8 @@ private:
     QPointer<NSFileDropTextField> m_trgetTextField;
     bool m_isMiniaturizeEnabled = true;
     bool m_isSheetUp = false;
+    bool m_isCloseHeld = false;
+    bool m_isCloseDue = false;
     std::function<void()> m_sheetEnd;
 };
 

@@ -5,6 +5,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ImageFile.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -16,6 +17,8 @@ namespace flashwriter::testing {
 namespace {
 
 using namespace std::chrono_literals;
+
+const char* const STILL_WAITING = "^Still waiting for the port: .* Unplug the adapter";
 
 // A call is held for as long as this lives.
 class Hold {
@@ -32,7 +35,11 @@ private:
 
 class HeldCalls : public ::testing::Test {
 protected:
-    HeldCalls() { m_board.start(); }
+    HeldCalls() {
+        board::BoardOptions options;
+        options.target.monitor = {"Hi, ho!\r\n", std::chrono::milliseconds(100), 9600};
+        m_board.start(options);
+    }
     void start(const std::string& heldCall) {
         ChildOptions options;
         options.arguments = {FLASH_WRITER};
@@ -52,12 +59,24 @@ protected:
     std::string besides(const std::string& name) const {
         return std::filesystem::path(m_file.path()).parent_path() / name;
     }
+    void openMonitor() {
+        m_hands->click("monitorOpenButton");
+        m_hands->waitText("logDispTextView", "Hi, ho!\n");
+    }
     // Over a second of time.
     void expectAlive() {
         for (int i = 0; i < 20; ++i) {
             EXPECT_LT(m_hands->alive(), 500ms);
             std::this_thread::sleep_for(50ms);
         }
+    }
+    // What is pressed meanwhile by means that do not wait, as a screen reader does.
+    void expectNothingBegins() {
+        for (const char* button : {"writeButton", "monitorOpenButton", "updateButton"}) {
+            m_hands->click(button);
+        }
+        EXPECT_THAT(m_hands->windows(), ::testing::ElementsAre("window"));
+        EXPECT_EQ(m_hands->text("serialPortComboBox"), m_board.portPath());
     }
 
     const std::vector<std::uint8_t> m_image = patternImage(2000);
@@ -66,6 +85,57 @@ protected:
     std::optional<ChildProcess> m_program;
     std::optional<kernel::WindowHands> m_hands;
 };
+
+TEST_F(HeldCalls, CloseOfTheMonitor) {
+    start("close");
+    openMonitor();
+    const Hold hold(besides("held"));
+    m_hands->click("monitorOpenButton");
+    expectAlive();
+    m_hands->waitText("statusLabel", STILL_WAITING);
+    EXPECT_EQ(m_hands->text("monitorOpenButton"), "Close") << "not yet";
+    expectNothingBegins();
+    hold.end();
+    m_hands->waitText("monitorOpenButton", "Open");
+    m_hands->waitText("statusLabel", "^Ready to write");
+    EXPECT_TRUE(m_hands->enabled("writeButton"));
+    openMonitor(); // as well as ever
+}
+
+TEST_F(HeldCalls, BreakOfTheProbe) {
+    start("break");
+    const Hold hold(besides("held"));
+    m_hands->click("monitorOpenButton");
+    expectAlive();
+    m_hands->waitText("statusLabel", STILL_WAITING);
+    expectNothingBegins();
+    hold.end();
+    m_hands->waitText("logDispTextView", "Hi, ho!\n");
+    EXPECT_EQ(m_hands->text("statusLabel"), "The serial monitor is open. Close it to write.");
+}
+
+TEST_F(HeldCalls, FlushOfTheProbe) {
+    start("flush");
+    const Hold hold(besides("held"));
+    m_hands->click("monitorOpenButton");
+    expectAlive();
+    m_hands->waitText("statusLabel", STILL_WAITING);
+    hold.end();
+    m_hands->waitText("logDispTextView", "Hi, ho!\n");
+}
+
+TEST_F(HeldCalls, WindowClosesWhenTheMonitorHas) {
+    start("close");
+    openMonitor();
+    const Hold hold(besides("held"));
+    m_hands->click("monitorOpenButton");
+    m_hands->waitText("statusLabel", STILL_WAITING);
+    m_hands->close("window");
+    expectAlive();
+    EXPECT_TRUE(m_hands->visible("window"));
+    hold.end();
+    EXPECT_EQ(m_program->wait(), 0);
+}
 
 TEST_F(HeldCalls, CloseOfAWrite) {
     start("close");
