@@ -1,6 +1,10 @@
 #include "tests/endtoend/write/WriteFixture.h"
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <random>
+#include <thread>
 
 namespace flashwriter::testing {
 namespace {
@@ -37,6 +41,28 @@ TEST_F(InterruptedWrite, LeavesAtOnceAndANewWriteMendsIt) {
     EXPECT_EQ(mended.wait(), 0);
     m_board.stop();
     EXPECT_TRUE(m_board.codeFlash() == flashAfter(image, before));
+}
+
+// Without any last word, at moments from before the port is open to the middle of the image.
+TEST_F(InterruptedWrite, KilledAtAnyMomentIsMendedByANewOne) {
+    constexpr int KILLS = 20;
+    m_options.pace = false;
+    m_board.start(m_options);
+    const Bytes before = m_board.codeFlash();
+    std::mt19937 random(20); // always the same moments, on a machine of the same speed
+    for (int i = 0; i < KILLS; ++i) {
+        const Bytes image(static_cast<std::size_t>(3000 + i), static_cast<std::uint8_t>(i));
+        const ImageFile file("image.bin", image);
+        const std::chrono::microseconds moment(random() % 150000);
+        SCOPED_TRACE(moment.count());
+        ChildProcess killed(flashwrite("500000", file.path()));
+        std::this_thread::sleep_for(moment);
+        killed.signal(SIGKILL);
+        EXPECT_TRUE(killed.wait().has_value());
+        ChildProcess mended(flashwrite("500000", file.path()));
+        EXPECT_EQ(mended.wait(), 0) << mended.output();
+        EXPECT_TRUE(m_board.codeFlash() == flashAfter(image, before));
+    }
 }
 
 TEST_F(InterruptedWrite, OfTheBoardsMakingTellsWhatHappened) {
