@@ -1,6 +1,7 @@
 #include "app/Program.h"
 
 #include "app/AppDelegate.h"
+#include "app/MessageThread.h"
 #include "app/PortScan.h"
 #include "app/WarmFonts.h"
 #include "sequence/context/DiagnosticLog.h"
@@ -53,6 +54,7 @@ void nameProgram() {
 
 int runProgram(int argc, char** argv) {
     secureStandardStreams();
+    const MessageThread messages;
     setDiagnosticSink(logToQt);
     keepNoSettings();
     int nameOnly = std::min(argc, 1);
