@@ -37,6 +37,17 @@ void say(const char* text) {
     }
 }
 
+// Dies of the signal, as a shell expects of a program that somebody interrupts. A plain exit would
+// close the port, and Linux holds that for half a minute while an adapter takes no more bytes.
+void endBySignal(int number) {
+    std::signal(number, SIG_DFL);
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, number);
+    ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    ::raise(number);
+}
+
 void endAtOnce(int number) {
     isEnding = true;
     const char* text = message; // no erase begins any more if it says that none has
@@ -44,7 +55,7 @@ void endAtOnce(int number) {
         say("\n");
     }
     say(text);
-    ::_exit(128 + number);
+    endBySignal(number);
 }
 
 } // namespace

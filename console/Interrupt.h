@@ -7,10 +7,10 @@
 
 namespace flashwriter {
 
-// From now on SIGINT, SIGTERM and SIGHUP end the program at once with status 128 + n, after saying
-// on standard error what the board is left with; the system closes the port. A signal that is
-// ignored already (nohup does that) stays ignored. isTerminal: the line is to begin on a fresh line
-// of a terminal.
+// From now on the program says, before SIGINT, SIGTERM or SIGHUP ends it at once (128 + n to a
+// shell), on standard error what the board is left with; the system closes the port. A signal that
+// is ignored already (nohup does that) stays ignored. isTerminal: the line is to begin on a fresh
+// line of a terminal.
 void installInterruptHandlers(bool isTerminal);
 
 // Keep up with what is true of the board. The thread that writes calls them before it goes on; it

@@ -9,6 +9,7 @@ namespace flashwriter {
 namespace {
 
 using ::testing::ExitedWithCode;
+using ::testing::KilledBySignal;
 
 // Each of these runs in a child process of its own.
 [[noreturn]] void interrupt(int number, std::int32_t stage, bool isTerminal) {
@@ -20,22 +21,22 @@ using ::testing::ExitedWithCode;
 }
 
 TEST(InterruptDeathTest, EndsAtOnceWithTheSignalsStatus) {
-    EXPECT_EXIT(interrupt(SIGINT, 103, false), ExitedWithCode(130), "^Interrupted");
-    EXPECT_EXIT(interrupt(SIGTERM, 103, false), ExitedWithCode(128 + SIGTERM), "^Interrupted");
-    EXPECT_EXIT(interrupt(SIGHUP, 103, false), ExitedWithCode(128 + SIGHUP), "^Interrupted");
+    EXPECT_EXIT(interrupt(SIGINT, 103, false), KilledBySignal(SIGINT), "^Interrupted");
+    EXPECT_EXIT(interrupt(SIGTERM, 103, false), KilledBySignal(SIGTERM), "^Interrupted");
+    EXPECT_EXIT(interrupt(SIGHUP, 103, false), KilledBySignal(SIGHUP), "^Interrupted");
 }
 
 TEST(InterruptDeathTest, SaysWhatTheBoardIsLeftWith) {
     const char* untouched = "the board's contents are as they were\\.\n$";
     const char* incomplete = "the board's contents are incomplete.*A new write mends it\\.\n$";
-    EXPECT_EXIT(interrupt(SIGINT, 101, false), ExitedWithCode(130), untouched);
-    EXPECT_EXIT(interrupt(SIGINT, 100, false), ExitedWithCode(130), untouched);
-    EXPECT_EXIT(interrupt(SIGINT, 102, false), ExitedWithCode(130), incomplete);
-    EXPECT_EXIT(interrupt(SIGINT, 103, false), ExitedWithCode(130), incomplete);
+    EXPECT_EXIT(interrupt(SIGINT, 101, false), KilledBySignal(SIGINT), untouched);
+    EXPECT_EXIT(interrupt(SIGINT, 100, false), KilledBySignal(SIGINT), untouched);
+    EXPECT_EXIT(interrupt(SIGINT, 102, false), KilledBySignal(SIGINT), incomplete);
+    EXPECT_EXIT(interrupt(SIGINT, 103, false), KilledBySignal(SIGINT), incomplete);
 }
 
 TEST(InterruptDeathTest, BeginsAFreshLineOfATerminal) {
-    EXPECT_EXIT(interrupt(SIGINT, 103, true), ExitedWithCode(130), "^\nInterrupted");
+    EXPECT_EXIT(interrupt(SIGINT, 103, true), KilledBySignal(SIGINT), "^\nInterrupted");
 }
 
 TEST(InterruptDeathTest, AnIgnoredSignalStaysIgnored) {
