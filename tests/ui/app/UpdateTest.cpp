@@ -17,6 +17,8 @@ private slots:
     void updateReplacesListAndText_data();
     void updateReplacesListAndText();
     void updateButtonUpdates();
+    void takesNamesAsTheyAre();
+    void refusesANameThatIsTooLong();
 };
 
 void UpdateTest::listsAnEmptyPortWhenNoneIsFound() {
@@ -67,6 +69,29 @@ void UpdateTest::updateButtonUpdates() {
     portCommands = {"echo /dev/c"};
     main.updateButton.click();
     QCOMPARE(main.ports.currentText(), "/dev/c");
+}
+
+// No shell sees them again, and bytes that are no text become what stands for that.
+void UpdateTest::takesNamesAsTheyAre() {
+    MainWindowFixture main;
+    portCommands = {
+        "printf '%s\\n' '/dev/cu.u $(reboot) `reboot` ; & | > < *' '/dev/cu.u\"q\\' ''; "
+        "printf '/dev/cu.u\\377\\n'"};
+    main.delegate.pushUpdating(nullptr);
+    QCOMPARE(main.items(main.ports),
+             (QStringList{"/dev/cu.u $(reboot) `reboot` ; & | > < *", "/dev/cu.u\"q\\", "",
+                          QString("/dev/cu.u") + QChar::ReplacementCharacter}));
+}
+
+void UpdateTest::refusesANameThatIsTooLong() {
+    MainWindowFixture main;
+    portCommands = {"printf '/dev/cu.u%01000d\\n' 0"};
+    main.delegate.pushUpdating(nullptr);
+    QCOMPARE(main.ports.currentText(), "/dev/cu.u" + QString(1000, '0'));
+    main.path.setText("/tmp/" + QString(1000, 'f') + ".bin");
+    main.writeButton.click();
+    QVERIFY(!main.window.isSheetUp());
+    QVERIFY(!main.log().isEmpty());
 }
 
 } // namespace flashwriter::testing

@@ -1,5 +1,6 @@
 #include "ui/LogText.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
 namespace flashwriter::testing {
@@ -24,6 +25,8 @@ private slots:
     void keepsTheEndOfALongText();
     void countsUnitsOfCharacters();
     void keepsAllWithoutALimit();
+    void takesAMegabyteAtOnce_data();
+    void takesAMegabyteAtOnce();
 
 private:
     QString text() const { return m_view->toPlainText(); }
@@ -116,6 +119,32 @@ void LogTextTest::keepsAllWithoutALimit() {
     appendLogText(*m_view, lines);
     appendLogText(*m_view, lines, 0);
     QCOMPARE(text(), lines + lines);
+}
+
+void LogTextTest::takesAMegabyteAtOnce_data() {
+    QTest::addColumn<QString>("whole");
+    QTest::addColumn<int>("limit");
+    constexpr qsizetype MEGABYTE = qsizetype{1} << 20;
+    QTest::newRow("lines, all of them")
+        << QString("0123456789abcde\n").repeated(MEGABYTE / 16) << 0;
+    QTest::newRow("lines, the last")
+        << QString("0123456789abcde\n").repeated(MEGABYTE / 16) << LIMIT;
+    QTest::newRow("one line, its end") << QString(MEGABYTE, 'x') << LIMIT;
+}
+
+// With the time that the window needs to show it.
+void LogTextTest::takesAMegabyteAtOnce() {
+    QFETCH(const QString, whole);
+    QFETCH(const int, limit);
+    m_view->resize(600, 300);
+    m_view->show();
+    QElapsedTimer timer;
+    timer.start();
+    appendLogText(*m_view, whole, limit);
+    m_view->repaint();
+    const qint64 taken = timer.elapsed();
+    QVERIFY(text() == (limit == 0 ? whole : whole.right(limit)));
+    QVERIFY(taken < 10000); // which only a hang exceeds
 }
 
 } // namespace flashwriter::testing
