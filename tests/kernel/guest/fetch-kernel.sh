@@ -15,19 +15,30 @@ for tool in apt-cache apt-get dpkg-deb xz; do
     fi
 done
 
-# The package that linux-image-amd64 stands for today. The kernel for clouds has no USB.
-package=$(apt-cache depends linux-image-amd64 | sed -n 's/^ *Depends: \(linux-image-.*\)$/\1/p')
-if [[ -z $package ]]; then
-    echo "FAILED: apt does not know linux-image-amd64; run apt-get update" >&2
-    exit 1
-fi
-echo "Fetching $package into $kernel."
+# Sets package to what linux-image-amd64 stands for today, and downloads it. The kernel for clouds has
+# no USB.
+download() {
+    package=$(apt-cache depends linux-image-amd64 |
+        sed -n 's/^ *Depends: \(linux-image-.*\)$/\1/p')
+    [[ -n $package ]] &&
+        (cd "$kernel.new" && apt-get -o APT::Sandbox::User=root -o Acquire::Retries=3 \
+            download "$package")
+}
+
+echo "Fetching Debian's kernel into $kernel."
 rm -rf "$kernel.new"
 mkdir -p "$kernel.new/package"
-(cd "$kernel.new" && apt-get -o APT::Sandbox::User=root download "$package") || {
-    echo "FAILED: $package cannot be downloaded; run apt-get update" >&2
-    exit 1
-}
+if ! download; then
+    as_root=()
+    if ((EUID != 0)); then
+        as_root=(sudo -n)
+    fi
+    # The package's list may be older than the archive.
+    if ! "${as_root[@]}" apt-get -o DPkg::Lock::Timeout=120 update || ! download; then
+        echo "FAILED: the kernel's package cannot be downloaded" >&2
+        exit 1
+    fi
+fi
 folder='./lib/modules/*/kernel'
 dpkg-deb --fsys-tarfile "$kernel.new/$package"_*.deb |
     tar -x -C "$kernel.new/package" --wildcards './boot/vmlinuz-*' \
@@ -36,8 +47,9 @@ dpkg-deb --fsys-tarfile "$kernel.new/$package"_*.deb |
 
 # What the boot loader would unpack at each start takes seconds in an emulated machine.
 image=$(echo "$kernel.new"/package/boot/vmlinuz-*)
-offset=$(LC_ALL=C grep --only-matching --byte-offset --text $'\xFD7zXZ' "$image" |
-    head -n 1 | LC_ALL=C cut -d : -f 1)
+offset=$(LC_ALL=C grep --only-matching --byte-offset --text --max-count=1 $'\xFD7zXZ' "$image" |
+    LC_ALL=C cut -d : -f 1)
+offset=${offset%%$'\n'*}
 # Behind the kernel stands what xz takes for garbage.
 tail -c "+$((offset + 1))" "$image" | xz -dc >"$kernel.new/vmlinux" 2>/dev/null || true
 if [[ $(head -c 4 "$kernel.new/vmlinux") != $'\x7FELF' ]]; then

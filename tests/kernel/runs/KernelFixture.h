@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,9 +38,14 @@ protected:
                const std::vector<std::string>& environment = {});
 
     // Writes the file on the board that is plugged in, to its end: the log is that of a success,
-    // and the board's flash holds the image afterwards.
+    // and the board's flash holds the image afterwards. A write that fails while the machine was
+    // held up is made anew, twice at most.
     static void writeAndReadBack(const std::string& speed, const std::string& file,
                                  const std::vector<std::uint8_t>& image);
+
+    // Makes attempts until one is well, which it tells by true, at most three. A further one is
+    // made only if the machine was held up since that record of the board's transcript.
+    static void untilNotHeldUp(std::size_t from, const std::function<bool()>& attempt);
 
     // What helps to understand a failure: the board's transcript and the program's diagnostics.
     static std::string story();

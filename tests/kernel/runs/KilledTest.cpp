@@ -20,12 +20,17 @@ protected:
 
 TEST_F(Killed, InMidWriteIsMendedByTheNext) {
     plugIn();
-    const auto program = flashwrite("115200", m_file.path());
-    ASSERT_TRUE(adapter().waitForMode(TargetMode::receiving, std::chrono::seconds(20))) << story();
+    std::unique_ptr<GuestProcess> program;
+    untilNotHeldUp(0, [&] {
+        program = flashwrite("115200", m_file.path());
+        return adapter().waitForMode(TargetMode::receiving, std::chrono::seconds(5));
+    });
+    ASSERT_EQ(adapter().mode(), TargetMode::receiving) << story();
+    const std::uint32_t closings = adapter().closings();
     program->signal(SIGKILL);
     EXPECT_EQ(program->wait(), 128 + SIGKILL);
     // What the system has in hand still goes out, then the lines are dropped.
-    EXPECT_TRUE(adapter().waitForClosings(1, std::chrono::seconds(20))) << story();
+    EXPECT_TRUE(adapter().waitForClosings(closings + 1, std::chrono::seconds(20))) << story();
     writeAndReadBack("115200", m_file.path(), m_image);
 }
 

@@ -1,0 +1,45 @@
+#include "tests/kernel/runs/HeldUp.h"
+
+namespace flashwriter::kernel {
+
+namespace {
+
+// Microseconds. A program's next frame comes a few milliseconds after an answer; the shortest time
+// that a program waits for an answer and a board for the program is 100 ms.
+constexpr std::int64_t LONG = 80000;
+
+using board::TranscriptRecord;
+
+// What a program has to follow up soon: an answer, and the release of reset.
+bool callsForMore(const TranscriptRecord& record) {
+    return record.kind == TranscriptRecord::Kind::reply ||
+           record.meaning.find("zero byte due") != std::string::npos;
+}
+
+bool isOfHost(const TranscriptRecord& record) {
+    return record.kind == TranscriptRecord::Kind::hostFrame ||
+           record.kind == TranscriptRecord::Kind::unheard ||
+           record.kind == TranscriptRecord::Kind::line;
+}
+
+} // namespace
+
+bool wasHeldUp(const board::Transcript& transcript, std::size_t from) {
+    const TranscriptRecord* last = nullptr;
+    for (std::size_t i = from; i < transcript.size(); ++i) {
+        const TranscriptRecord& record = transcript[i];
+        if (callsForMore(record)) {
+            last = &record;
+        } else if (last != nullptr && isOfHost(record)) {
+            if (record.begin - last->due > LONG) {
+                return true;
+            }
+            // From the release of reset on the board waits for the second message, not for the next
+            // change of a line.
+            last = last->kind == TranscriptRecord::Kind::reply ? nullptr : last;
+        }
+    }
+    return false;
+}
+
+} // namespace flashwriter::kernel
