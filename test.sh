@@ -151,7 +151,12 @@ built=""
 run=plainly
 if stage "Looking for the Debian packages that building and testing need" \
     scripts/install-packages.sh test; then
-    test_preset release "the program as users run it (GCC, optimised)" -LE checks
+    test_preset release "the program as users run it (GCC, optimised)" -LE 'checks|kernel'
+    if [[ $built == *" release "* ]]; then
+        echo
+        echo "== Running the programs on the system's own serial drivers, in emulated machines"
+        run_tests release -L kernel
+    fi
     if unrandomised true 2>/dev/null; then
         run=unrandomised
     fi

@@ -1,6 +1,7 @@
 // Whole writes that fail: what is told, and what the board is left with.
 #include "tests/sequence/BoardFixture.h"
 #include "tests/support/EmptyImage.h"
+#include "tests/support/FailingThread.h"
 
 namespace flashwriter {
 namespace {
@@ -64,6 +65,29 @@ TEST_F(FailedWrite, APortThatCannotBeOpened) {
     EXPECT_EQ(record.log, std::vector<std::string>{FAILED});
     EXPECT_EQ(record.window->progress, (ProgressCalls{{101, 0}}));
     EXPECT_EQ(record.outcome.ComInfo.Command, 0);
+}
+
+TEST_F(FailedWrite, NoThreadToReceiveWith) {
+    m_board.start(m_options);
+    m_before = m_board.codeFlash();
+    m_dataBefore = m_board.dataFlash();
+    const ImageFile file("image.bin", patternImage(1));
+    TestMainQueue queue;
+    const auto driver = std::make_shared<NSSequenceProcessor>(queue.handle());
+    const auto window = std::make_shared<RecordingWindow>();
+    _RESULTINFO outcome{};
+    testing::failThreadCreation = true;
+    const ResultCode returned =
+        driver->start(contextFor(m_board.portPath(), 0, file.path(), outcome), window);
+    testing::failThreadCreation = false;
+    queue.run();
+    EXPECT_EQ(returned, RESULT_INIT_FAILED);
+    EXPECT_EQ(outcome.Result, RESULT_INIT_FAILED);
+    EXPECT_EQ(window->progress, (ProgressCalls{{101, 0}}));
+    EXPECT_EQ(window->results.size(), 1U);
+    EXPECT_EQ(window->closings, 1);
+    EXPECT_TRUE(m_board.waitForClosings(1, std::chrono::seconds(20)));
+    expectUntouched();
 }
 
 TEST_F(FailedWrite, ABoardThatIsNotThere) {
