@@ -84,7 +84,7 @@ private:
 
 // As long as the process: its thread may be held up at the end.
 Messages& allMessages() {
-    static Messages* const messages = new Messages;
+    static auto* const messages = new Messages;
     return *messages;
 }
 

@@ -67,7 +67,7 @@ void NSFileDropWindow::closeEvent(QCloseEvent* event) {
 void NSFileDropWindow::holdClose(bool isHeld) {
     m_isCloseHeld = isHeld;
     if (!isHeld && m_isCloseDue) {
-        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
     }
 }
 
