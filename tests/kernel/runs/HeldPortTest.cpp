@@ -64,5 +64,17 @@ TEST_F(HeldPort, MerelyOpenIsWrittenTo) {
     writeAndReadBack("500000", m_file.path(), m_image);
 }
 
+// One that reads takes what the board answers, before a program that has other work does.
+TEST_F(HeldPort, ReadBySomebodyElseNamesTheReader) {
+    plugIn();
+    const auto reader = hold("print \"open\\n\"; while (1) { sysread(P, $b, 100); }", 0);
+    const std::string output = outcomeFor(m_file.path(), 0, 1);
+    EXPECT_NE(
+        output.find(port() + " is also open in perl (process " + std::to_string(reader->pid()) +
+                    "), which takes away what the board answers: close it and write again.\n"),
+        std::string::npos)
+        << output;
+}
+
 } // namespace
 } // namespace flashwriter::kernel
