@@ -29,30 +29,34 @@ protected:
         return time.count();
     }
 
+    // Two attempts at programming mode take the program some 5 s.
+    static constexpr std::chrono::milliseconds PATIENCE{20000};
+
     std::chrono::steady_clock::time_point m_begin;
-    const ImageFile m_file{"image.bin", patternImage(600)};
+    const std::vector<std::uint8_t> m_image = patternImage(600);
+    const ImageFile m_file{"image.bin", m_image};
 };
 
 const char* const FAILED_LOG = "## Write Failed\nThe writing processing failed\nERROR:0x";
 
-// The program itself takes a few seconds; the rest of it is the kernel closing the port.
+// The kernel alone would hold it for ever before a BREAK, and for half a minute at its end.
 TEST_F(Stuck, FromTheFirstFrameOnEndsAndSaysSo) {
     const auto program = beginWrite("1");
-    EXPECT_EQ(program->wait(std::chrono::seconds(50)), 1) << program->output() << story();
+    EXPECT_EQ(program->wait(PATIENCE), 1) << program->output() << story();
     EXPECT_THAT(program->output(), HasSubstr(FAILED_LOG));
-    std::cout << "the write on the stuck adapter ended after " << secondsSinceBegin() << " s\n";
+    std::cout << "stuck from the beginning: the write ended after " << secondsSinceBegin()
+              << " s\n";
 }
 
-// The driver of CDC adapters stops waiting when its adapter goes, the other one does not.
-TEST_F(Stuck, AmidAWriteEndsAndSaysSoWhenItIsUnplugged) {
+TEST_F(Stuck, AmidAWriteEndsAndSaysSoAndAnotherAdapterIsWritten) {
     const auto program = beginWrite("8");
-    EXPECT_EQ(program->wait(std::chrono::seconds(8)), std::nullopt) << "the port closed at once";
-    adapter().unplug();
-    EXPECT_EQ(program->wait(std::chrono::seconds(isFtdi() ? 40 : 8)), 1)
-        << program->output() << story();
+    EXPECT_EQ(program->wait(PATIENCE), 1) << program->output() << story();
     EXPECT_THAT(program->output(), HasSubstr(FAILED_LOG));
-    std::cout << "with the adapter unplugged the write ended after " << secondsSinceBegin()
-              << " s\n";
+    std::cout << "stuck amid a write: it ended after " << secondsSinceBegin() << " s\n";
+    unplug();
+    m_board.faults = {};
+    plugIn();
+    writeAndReadBack("500000", m_file.path(), m_image);
 }
 
 } // namespace

@@ -82,5 +82,17 @@ TEST_F(Window, MonitorSurvivesAnUnpluggedAdapterAndAWriteFollows) {
     writeAndReadBack(window, "500,000 bps", file.path(), image);
 }
 
+TEST_F(Window, StaysAliveAndSaysSoWhenTheAdapterIsStuck) {
+    const ImageFile file("image.bin", patternImage(600));
+    m_board.faults = {board::parseFault("stuck@8")};
+    plugIn();
+    ShownWindow window(guest(), port());
+    EXPECT_THAT(window.write("500,000 bps", file.path()),
+                HasSubstr("The writing processing failed"));
+    EXPECT_LT(window.hands().alive(), std::chrono::seconds(2));
+    window.dismissResult();
+    EXPECT_TRUE(window.hands().enabled("writeButton"));
+}
+
 } // namespace
 } // namespace flashwriter::kernel
