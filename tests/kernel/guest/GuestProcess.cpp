@@ -5,6 +5,12 @@
 
 namespace flashwriter::kernel {
 
+namespace {
+
+constexpr std::chrono::seconds BURIAL{10}; // the kernel may hold one that has a port open
+
+} // namespace
+
 GuestProcess::GuestProcess(GuestLink& link, const Command& command)
     : m_link(link), m_process(link.newProcess()) {
     m_link.send({.kind = MessageKind::start, .process = m_process, .body = encode(command)});
@@ -13,6 +19,7 @@ GuestProcess::GuestProcess(GuestLink& link, const Command& command)
 GuestProcess::~GuestProcess() {
     try {
         signal(SIGKILL);
+        wait(BURIAL);                 // what it had open is closed then
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
         // The machine has gone, and the process with it.
     }

@@ -12,7 +12,7 @@
 
 namespace flashwriter::kernel {
 
-// A process in the emulated machine; it is killed when the object ends.
+// A process in the emulated machine; it is killed when the object ends, and has ended then.
 class GuestProcess {
 public:
     using Milliseconds = std::chrono::milliseconds;
