@@ -2,11 +2,11 @@
 
 #include "app/PortScan.h"
 #include "sequence/context/DiagnosticLog.h"
+#include "sequence/context/Shelter.h"
 #include "ui/ImageOpenPanel.h"
 #include "ui/LogText.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
-#include "ui/Shelter.h"
 
 #include <QComboBox>
 #include <QTimer>

@@ -5,12 +5,12 @@
 #include "app/AppDelegate.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultText.h"
+#include "sequence/context/Shelter.h"
 #include "ui/LogText.h"
 #include "ui/Lookup.h"
 #include "ui/NSFileDropTextField.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
-#include "ui/Shelter.h"
 
 #include <QComboBox>
 #include <QGuiApplication>

@@ -1,9 +1,9 @@
 // The main window: its controls, and what they are connected to.
 #include "app/AppDelegate.h"
+#include "sequence/context/Shelter.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
 #include "ui/ReturnKey.h"
-#include "ui/Shelter.h"
 #include "ui/WheelGuard.h"
 #include "ui_MainWindow.h"
 

@@ -1,11 +1,11 @@
 // The write action.
 #include "app/AppDelegate.h"
 #include "sequence/context/ResultText.h"
+#include "sequence/context/Shelter.h"
 #include "targetfile/PathExtension.h"
 #include "ui/LogText.h"
 #include "ui/NSFileDropWindow.h"
 #include "ui/NSNonMenuTextView.h"
-#include "ui/Shelter.h"
 
 #include <QComboBox>
 

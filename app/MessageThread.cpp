@@ -1,6 +1,6 @@
 #include "app/MessageThread.h"
 
-#include "ui/Shelter.h"
+#include "sequence/context/Shelter.h"
 
 #include <QByteArray>
 #include <QString>

@@ -2,8 +2,8 @@
 
 #include "advice/FormAdvice.h"
 #include "advice/MonitorAdvice.h"
+#include "sequence/context/Shelter.h"
 #include "ui/AnnouncedText.h"
-#include "ui/Shelter.h"
 
 #include <chrono>
 #include <utility>

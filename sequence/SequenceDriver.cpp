@@ -5,10 +5,10 @@
 #include "sequence/NSSequenceProcessorForMot.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultText.h"
+#include "sequence/context/Shelter.h"
 
 #include <chrono>
 #include <cstring>
-#include <exception>
 #include <thread>
 #include <utility>
 
@@ -26,19 +26,6 @@ constexpr bool CODE_FLASH = true;
 
 constexpr int CLOSING_ATTEMPTS = 50;
 constexpr std::chrono::milliseconds CLOSING_PAUSE{100};
-
-// Nothing that the standard library or a window throws may keep a write from its end. False when
-// something was thrown.
-template <class Action>
-bool sheltered(const char* what, const Action& action) {
-    try {
-        action();
-        return true;
-    } catch (const std::exception& error) {
-        diagnosticLog("%s: %s", what, error.what());
-        return false;
-    }
-}
 
 std::uint64_t addressOf(const std::uint8_t (&bytes)[3]) {
     return DeviceQueries::makeAddress(bytes[0], bytes[1], bytes[2]);

@@ -1,6 +1,6 @@
 #include "ui/Lookup.h"
 
-#include "ui/Shelter.h"
+#include "sequence/context/Shelter.h"
 
 #include <atomic>
 #include <condition_variable>

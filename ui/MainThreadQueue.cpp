@@ -1,6 +1,6 @@
 #include "ui/MainThreadQueue.h"
 
-#include "ui/Shelter.h"
+#include "sequence/context/Shelter.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>

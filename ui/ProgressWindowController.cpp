@@ -3,11 +3,11 @@
 #include "advice/FailureAdvice.h"
 #include "advice/FailureFacts.h"
 #include "sequence/context/DiagnosticLog.h"
+#include "sequence/context/Shelter.h"
 #include "sequence/context/StageName.h"
 #include "ui/AnnouncedText.h"
 #include "ui/Keyboard.h"
 #include "ui/NSFileDropWindow.h"
-#include "ui/Shelter.h"
 #include "ui_ProgressWindowController.h"
 
 #include <algorithm>

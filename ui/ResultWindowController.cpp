@@ -2,10 +2,10 @@
 
 #include "sequence/context/DiagnosticLog.h"
 #include "sequence/context/ResultMessage.h"
+#include "sequence/context/Shelter.h"
 #include "ui/AnnouncedText.h"
 #include "ui/Keyboard.h"
 #include "ui/ReturnKey.h"
-#include "ui/Shelter.h"
 #include "ui_ResultWindowController.h"
 
 #include <QStyle>

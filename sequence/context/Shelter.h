@@ -1,5 +1,6 @@
-// What is done where an exception must not get through: the toolkit takes none out of the slots and
-// events that it calls, and a thread that lets one go ends the program.
+// What is done where an exception must not get through: none may keep a write from its end, the
+// toolkit takes none out of the slots and events that it calls, and a thread that lets one go ends
+// the program.
 #pragma once
 
 #include "sequence/context/DiagnosticLog.h"
