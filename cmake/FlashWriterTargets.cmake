@@ -34,6 +34,11 @@ function(flashwriter_library name)
     # Tells a fuzz target which ways its input took; other programs count them for nobody.
     target_compile_options(flashwriter_${name} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
+  if(FLASHWRITER_COVERAGE)
+    target_compile_options(flashwriter_${name} PRIVATE
+      -fprofile-instr-generate -fcoverage-mapping)
+    target_link_options(flashwriter_${name} PUBLIC -fprofile-instr-generate)
+  endif()
 endfunction()
 
 # A test's own code is compiled once for each time that it runs, so it is hardly optimised.
