@@ -1,13 +1,12 @@
 #include "app/PortWork.h"
 
-#include "sequence/context/DiagnosticLog.h"
+#include "sequence/context/Shelter.h"
 #include "ui/NSFileDropWindow.h"
 
 #include <QEventLoop>
 #include <QTimer>
 
 #include <chrono>
-#include <exception>
 #include <future>
 #include <thread>
 #include <utility>
@@ -67,25 +66,22 @@ PortWork::PortWork(NSFileDropWindow& window, std::function<void()> whenHeld)
 
 void PortWork::run(const std::function<void()>& work) {
     const Busy busy(m_isBusy, m_window);
-    runApart(work);
-}
-
-void PortWork::runApart(const std::function<void()>& work) {
-    std::packaged_task<void()> task(work);
-    std::future<void> done = task.get_future();
+    std::packaged_task<void()> task;
+    std::future<void> done;
     std::thread thread;
-    try {
+    const bool isApart = sheltered("port", [&] {
+        task = std::packaged_task<void()>([&work] { work(); });
+        done = task.get_future();
         thread = std::thread([&task] { task(); });
-    } catch (const std::exception& error) {
-        diagnosticLog("port: %s", error.what());
-        task();
+    });
+    if (!isApart) {
+        work();
+        return;
     }
     if (done.wait_for(QUICK) != std::future_status::ready) {
-        liveUntil(done, m_whenHeld);
+        sheltered("port", [&] { liveUntil(done, m_whenHeld); }); // without memory it just waits
     }
-    if (thread.joinable()) {
-        thread.join();
-    }
+    thread.join();
     done.get();
 }
 

@@ -27,8 +27,6 @@ public:
     bool isBusy() const { return m_isBusy; }
 
 private:
-    void runApart(const std::function<void()>& work);
-
     NSFileDropWindow& m_window;
     std::function<void()> m_whenHeld;
     bool m_isBusy = false;
