@@ -19,6 +19,9 @@ std::ptrdiff_t entriesIn(const char* directory) {
 
 std::string report(const Scenario& scenario, const simulation::SimulatedWrite& write,
                    const std::vector<std::string>& complaints) {
+    if (complaints.empty()) {
+        return "";
+    }
     std::string text = "FAILED: seed " + std::to_string(scenario.seed) + ": --seed " +
                        std::to_string(scenario.seed) + " --runs 1\n  " + scenario.description() +
                        "\n  returned " + std::to_string(write.record.returned) + " after " +
@@ -44,16 +47,19 @@ RandomWriteOutcome runRandomWrite(std::uint32_t seed) {
     const testing::ImageFile file(scenario.file.name, scenario.file.contents);
     const std::ptrdiff_t descriptors = entriesIn("/proc/self/fd");
     const std::ptrdiff_t threads = entriesIn("/proc/self/task");
-    const simulation::SimulatedWrite write =
-        simulation::simulateWrite(scenario.board, scenario.clock, file.path(), scenario.baudRate);
-    std::vector<std::string> wrong = complaints(scenario, write);
+    const std::vector<simulation::SimulatedWrite> writes = simulation::simulateWrites(
+        scenario.writes, scenario.board, scenario.clock, file.path(), scenario.baudRate);
+    std::string text;
+    for (const simulation::SimulatedWrite& write : writes) {
+        text += report(scenario, write, complaints(scenario, write));
+    }
     if (entriesIn("/proc/self/fd") != descriptors) {
-        wrong.emplace_back("a descriptor was left open");
+        text += "FAILED: seed " + std::to_string(seed) + ": a descriptor was left open\n";
     }
     if (!testing::eventually([&] { return entriesIn("/proc/self/task") == threads; })) {
-        wrong.emplace_back("a thread was left behind");
+        text += "FAILED: seed " + std::to_string(seed) + ": a thread was left behind\n";
     }
-    return {write.record.returned, wrong.empty() ? "" : report(scenario, write, wrong)};
+    return {writes.back().record.returned, text};
 }
 
 } // namespace flashwriter::random

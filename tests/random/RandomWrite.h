@@ -8,7 +8,7 @@
 namespace flashwriter::random {
 
 struct RandomWriteOutcome {
-    ResultCode result = RESULT_OK;
+    ResultCode result = RESULT_OK; // of the last write
     std::string report; // what is wrong, with all that there is to know; empty when all is well
 };
 

@@ -144,7 +144,7 @@ simulation::ClockOptions drawClock(Dice& dice, std::uint32_t frames) {
 } // namespace
 
 bool Scenario::undisturbed() const {
-    return board.faults.empty() && clock.jumps.empty() && !board.target.flash.stuckAddress;
+    return board.faults.empty() && clock.jumps.empty();
 }
 
 std::string Scenario::description() const {
@@ -189,6 +189,7 @@ Scenario drawScenario(std::uint32_t seed) {
     if (dice.once(20)) {
         scenario.board.target.flash.stuckAddress = dice.below(6000);
     }
+    scenario.writes = dice.once(4) ? 2 : 1;
     return scenario;
 }
 

@@ -1,5 +1,6 @@
 // Takes the place of the program's serial devices, its clock and its sleep; see Simulation.h.
 #include "serial/NSGetTime.h"
+#include "serial/ReceiveThreadTicket.h"
 #include "serial/platform/SerialDevice.h"
 #include "tests/simulation/Simulation.h"
 
@@ -87,18 +88,30 @@ void requestLowLatency(int /*descriptor*/) {}
 } // namespace platform
 } // namespace flashwriter
 
+using flashwriter::simulation::Simulation;
+
+// The names by which the linker knows ReceiveThreadTicket::inUse().
+#define IN_USE(prefix) prefix##_ZNK11flashwriter19ReceiveThreadTicket5inUseEv
+
 extern "C" {
-// The linker's names for the program's calls and for the system's own function.
-int __real_nanosleep(const timespec* rest, timespec* left); // NOLINT(bugprone-reserved-identifier)
-int __wrap_nanosleep(const timespec* rest, timespec* left); // NOLINT(bugprone-reserved-identifier)
+int __real_nanosleep(const timespec* rest, timespec* left);
+bool IN_USE(__real_)(const flashwriter::ReceiveThreadTicket* ticket);
 
 int __wrap_nanosleep(const timespec* rest, timespec* left) {
-    flashwriter::simulation::Simulation* const simulation =
-        flashwriter::simulation::Simulation::current();
-    if (simulation == nullptr) {
+    if (Simulation::current() == nullptr) {
         return __real_nanosleep(rest, left);
     }
-    simulation->sleep();
+    Simulation::current()->sleep();
     return 0;
+}
+
+// Closing asks this again and again until the receive thread has ended, which may need this very
+// processor for it.
+bool IN_USE(__wrap_)(const flashwriter::ReceiveThreadTicket* ticket) {
+    const bool inUse = IN_USE(__real_)(ticket);
+    if (inUse && Simulation::current() != nullptr) {
+        Simulation::current()->hurryReader();
+    }
+    return inUse;
 }
 }

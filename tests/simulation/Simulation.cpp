@@ -76,7 +76,7 @@ int Simulation::open() {
     }
     m_descriptor = FIRST_DESCRIPTOR + static_cast<int>(m_openings++);
     m_opener = std::this_thread::get_id();
-    m_readerSeen = m_readerReads = false;
+    m_readerSeen = m_readerReads = m_hurry = false;
     return m_descriptor;
 }
 
@@ -97,7 +97,7 @@ ssize_t Simulation::read(int descriptor, std::uint8_t* bytes, std::size_t size) 
     }
     m_readerReads = m_readerSeen = true;
     m_forWriter.notify_one();
-    m_forReader.wait_for(lock, READ_AT_MOST, [this] { return m_port.hasArrived(); });
+    m_forReader.wait_for(lock, READ_AT_MOST, [this] { return m_hurry || m_port.hasArrived(); });
     m_readerReads = false;
     const std::size_t count = m_port.take(bytes, size);
     return count > 0 ? static_cast<ssize_t>(count) : failed(EAGAIN);
@@ -176,6 +176,15 @@ std::uint64_t Simulation::readClock() {
         handOver(lock);
     }
     return m_clock.wallMilliseconds();
+}
+
+void Simulation::hurryReader() {
+    {
+        const Lock lock(m_mutex);
+        m_hurry = true;
+    }
+    m_forReader.notify_one();
+    std::this_thread::yield(); // the receive thread may be waiting for this very processor
 }
 
 void Simulation::sleep() {

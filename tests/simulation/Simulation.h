@@ -56,6 +56,8 @@ public:
     void readAttributes(int descriptor, termios& attributes) const;
     void writeAttributes(int descriptor, const termios& attributes);
     std::uint64_t readClock();
+    // The program waits for its receive thread to end: reads return at once from now on.
+    void hurryReader();
     // The program sleeps only until its receive thread runs, so that is what ends a sleep; it takes
     // no virtual time.
     void sleep();
@@ -80,6 +82,7 @@ private:
     std::thread::id m_opener;   // the thread of the write
     bool m_readerReads = false; // the receive thread waits inside read() for something to arrive
     bool m_readerSeen = false;  // and has done so since the device was opened
+    bool m_hurry = false;       // it is to end
     std::uint32_t m_openings = 0;
     std::uint32_t m_closings = 0;
     std::uint32_t m_strayCalls = 0;

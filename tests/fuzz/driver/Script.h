@@ -23,8 +23,9 @@ enum class Answer : std::uint8_t {
     truncated, // count: so many bytes of the good answer
     unplugged, // from now on nothing works
     late,      // milliseconds / 4: the good answer after that time
+    lied, // place, value: a data byte of the good answer's last frame changed, with a fitting sum
 };
-inline constexpr std::uint8_t ANSWERS = 12;
+inline constexpr std::uint8_t ANSWERS = 13;
 
 inline constexpr std::uint8_t LATER = 0x70; // in an answer's byte: of 16 ms each, how much later
 inline constexpr std::uint8_t MORE = 0x80;  // and another answer to the same write follows

@@ -19,6 +19,20 @@ constexpr int ANSWERS_TO_ONE_WRITE = 8;
 // proof of a success could not know what.
 constexpr std::size_t ANSWERS_IN_ALL = 1023;
 
+// Changes a data byte of the last of these frames, and its sum with it.
+void lie(std::vector<std::uint8_t>& frames, std::size_t place, std::uint8_t value) {
+    if (frames.empty()) {
+        return;
+    }
+    std::size_t last = 0;
+    while (last + frames[last + 1] + board::kFrameOverhead < frames.size()) {
+        last += frames[last + 1] + board::kFrameOverhead;
+    }
+    const std::size_t count = frames[last + 1];
+    frames[last + 2 + place % count] ^= value;
+    frames[last + 2 + count] = board::frameSum(std::span(frames).subspan(last + 1, count + 1));
+}
+
 } // namespace
 
 int ScriptedPort::open(VirtualTime /*now*/) {
@@ -107,6 +121,11 @@ ScriptedPort::Bytes ScriptedPort::makeAnswer(Answer kind, const Bytes& good) {
     case Answer::truncated:
         bytes.resize(std::min<std::size_t>(bytes.size(), m_script.next()));
         return bytes;
+    case Answer::lied: {
+        const std::size_t place = m_script.next();
+        lie(bytes, place, m_script.next());
+        return bytes;
+    }
     default:
         return bytes;
     }
