@@ -6,8 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <exception>
-#include <thread>
 
 namespace flashwriter::platform {
 
@@ -40,16 +38,11 @@ int openDevice(const char* path) {
 }
 
 void closeDevice(int descriptor) {
-    // Never repeated: after an interruption the descriptor may already belong to somebody else.
-    const auto close = [descriptor] { ::close(descriptor); };
     if (letOutputLeave(descriptor) == 0) {
-        close();
-        return;
-    }
-    try {
-        std::thread(close).detach();
-    } catch (const std::exception&) {
-        close();
+        // Never repeated: after an interruption the descriptor may already belong to somebody else.
+        ::close(descriptor);
+    } else {
+        closeAtOnce(descriptor);
     }
 }
 

@@ -15,8 +15,7 @@ namespace flashwriter::platform {
 // without ever blocking. Anything else (a file, a directory, a pipe) is refused with ENOTTY: what
 // is written to a port must not end up in somebody's file.
 int openDevice(const char* path);
-// Closes on a thread of its own when the device does not take what was sent: the system may hold
-// such a close for half a minute, and the port is busy for so long.
+// Throws away what the device has not taken half a second later: the system would wait for that.
 void closeDevice(int descriptor);
 
 ssize_t readDevice(int descriptor, std::uint8_t* bytes, std::size_t size);
@@ -37,7 +36,7 @@ int clearBreak(int descriptor);
 int readModemLines(int descriptor, std::int32_t& lines);
 int writeModemLines(int descriptor, std::int32_t lines);
 
-// What differs from system to system: one file for each defines these four.
+// What differs from system to system: one file for each defines these five.
 
 // Replaces attributes under which the device would carry no binary data; leaves all others alone.
 void startingAttributes(termios& attributes);
@@ -50,5 +49,7 @@ void requestLowLatency(int descriptor);
 // pending any more, or the system does not wait for it; -1 and ETIMEDOUT when some stays for half a
 // second.
 int letOutputLeave(int descriptor);
+// Closes without waiting for output that does not leave.
+void closeAtOnce(int descriptor);
 
 } // namespace flashwriter::platform

@@ -4,10 +4,14 @@
 
 #include <linux/serial.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <limits>
 #include <thread>
 
@@ -45,6 +49,17 @@ bool isOutputPending(int descriptor) {
     int state = TIOCSER_TEMT;
     return (::ioctl(descriptor, TIOCOUTQ, &queued) == 0 && queued > 0) ||
            (::ioctl(descriptor, TIOCSERGETLSR, &state) == 0 && (state & TIOCSER_TEMT) == 0);
+}
+
+constexpr auto LOOK_AGAIN = std::chrono::milliseconds(10);
+
+// Nobody else here has a use for this signal, and by itself it does nothing to anybody. With a
+// handler it ends what a thread waits for in the system.
+void makeInterrupting(int signal) {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    sigemptyset(&action.sa_mask);
+    ::sigaction(signal, &action, nullptr);
 }
 
 } // namespace
@@ -105,6 +120,26 @@ int letOutputLeave(int descriptor) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return 0;
+}
+
+// Only a signal ends the system's wait in a close; what has not gone out is lost then, and the port
+// is free. It is sent again and again: the wait may not have begun.
+void closeAtOnce(int descriptor) {
+    makeInterrupting(SIGURG);
+    std::atomic<bool> isClosed{false};
+    try {
+        std::thread closing([descriptor, &isClosed] {
+            ::close(descriptor);
+            isClosed = true;
+        });
+        while (!isClosed) {
+            std::this_thread::sleep_for(LOOK_AGAIN);
+            ::pthread_kill(closing.native_handle(), SIGURG);
+        }
+        closing.join();
+    } catch (const std::exception&) { // no thread to be had
+        ::close(descriptor);
+    }
 }
 
 } // namespace flashwriter::platform

@@ -3,6 +3,7 @@
 #include "serial/platform/SerialDevice.h"
 
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #if __has_include(<IOKit/serial/ioss.h>)
 #include <IOKit/serial/ioss.h>
@@ -25,6 +26,10 @@ void requestLowLatency(int) {}
 // A BREAK does not wait for anything here.
 int letOutputLeave(int) {
     return 0;
+}
+
+void closeAtOnce(int descriptor) {
+    ::close(descriptor);
 }
 
 } // namespace flashwriter::platform

@@ -7,10 +7,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstdarg>
+#include <ctime>
 #include <mutex>
-#include <thread>
 
 // See serial/platform for why the kernel's struct termios needs another name.
 #define termios kernel_termios
@@ -146,8 +145,8 @@ extern "C" int tcflush(int descriptor, int queue) noexcept {
 
 extern "C" int close(int descriptor) {
     using namespace flashwriter::testing;
-    while (isHeld(descriptor)) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    constexpr timespec WHILE{.tv_sec = 0, .tv_nsec = 100'000'000};
+    while (isHeld(descriptor) && ::nanosleep(&WHILE, nullptr) == 0) {
     }
     return static_cast<int>(syscall(SYS_close, descriptor));
 }

@@ -37,7 +37,7 @@ public:
 
     std::optional<termios> attributesReported; // instead of the terminal's own
     std::optional<termios> attributesWritten;  // the last, when there are attributesReported
-    std::atomic<bool> closesHeld{false};       // closing a terminal does not come back meanwhile
+    std::atomic<bool> closesHeld{false};       // closing a terminal waits for a signal meanwhile
     std::atomic<int> discards{0};              // of both directions
     std::atomic<int> shortWrites{0};           // so many writes to a terminal take a byte less,
     std::atomic<int> fullWrites{0};            // behind so many that do not

@@ -82,8 +82,9 @@ TEST_F(Window, MonitorSurvivesAnUnpluggedAdapterAndAWriteFollows) {
     writeAndReadBack(window, "500,000 bps", file.path(), image);
 }
 
-TEST_F(Window, StaysAliveAndSaysSoWhenTheAdapterIsStuck) {
-    const ImageFile file("image.bin", patternImage(600));
+TEST_F(Window, StaysAliveWhenTheAdapterIsStuckAndWritesOnAnother) {
+    const std::vector<std::uint8_t> image = patternImage(600);
+    const ImageFile file("image.bin", image);
     m_board.faults = {board::parseFault("stuck@8")};
     plugIn();
     ShownWindow window(guest(), port());
@@ -92,6 +93,10 @@ TEST_F(Window, StaysAliveAndSaysSoWhenTheAdapterIsStuck) {
     EXPECT_LT(window.hands().alive(), std::chrono::seconds(2));
     window.dismissResult();
     EXPECT_TRUE(window.hands().enabled("writeButton"));
+    unplug();
+    m_board.faults = {};
+    plugIn(); // the port is free: this one is the same again
+    writeAndReadBack(window, "500,000 bps", file.path(), image);
 }
 
 } // namespace
