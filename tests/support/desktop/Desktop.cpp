@@ -104,6 +104,9 @@ void Desktop::startScreen() {
     m_screen = std::make_unique<ChildProcess>(
         tool({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"}));
     set("DISPLAY", ":" + firstLine(*m_screen, "Xvfb"));
+    // With the first key that is ever pressed the server tells everybody of another keyboard, and
+    // the window manager lets go of its keys for a moment: better now than in a test.
+    toolOutput({"xdotool", "key", "shift"});
 }
 
 // The bus starts the accessibility's own services when they are first asked for; this asks.
