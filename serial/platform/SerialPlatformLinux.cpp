@@ -1,5 +1,5 @@
 // Linux: ports start in a terminal's attributes, any speed is set through termios2, short packets
-// are held back unless asked for, and a BREAK waits for what was sent before it.
+// are held back unless asked for, and a BREAK and a close wait for what was sent before them.
 #include "serial/platform/SerialDevice.h"
 
 #include <linux/serial.h>
