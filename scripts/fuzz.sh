@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
-# Runs fuzz targets for a while, one after the other, on what a processor has to spare:
-#   scripts/fuzz.sh [--minutes M] [target...]     20 minutes each; all of them when none is named
-#   scripts/fuzz.sh --merge [target...]           brings what was found into the tree's corpus
+# Runs fuzz targets for a while on what the processors have to spare:
+#   scripts/fuzz.sh [--minutes M] [--jobs N] [target...]
+#                        M minutes of processor time for each (20), N targets at a time (one per
+#                        processor); all of them when none is named
+#   scripts/fuzz.sh --merge [target...]
+#                        brings what was found into the tree's corpus
 # What a target found so far stays in build/fuzz/<target>/corpus, and the next run goes on from there. An
 # input that fails is in build/fuzz/<target>/crashes and ends its target's run; the program of the target
 # runs it again when it is called with it. The status is 0 when there was none.
@@ -9,13 +12,15 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 minutes=20
+jobs=$(nproc)
 merge=no
 targets=()
 while (($# > 0)); do
     case $1 in
     --minutes) minutes=${2:?"--minutes wants a number"} && shift ;;
+    --jobs) jobs=${2:?"--jobs wants a number"} && shift ;;
     --merge) merge=yes ;;
-    -*) sed -nE '2,4s/^# ?//p' "$0" >&2 && exit 2 ;;
+    -*) sed -nE '2,7s/^# ?//p' "$0" >&2 && exit 2 ;;
     *) targets+=("$1") ;;
     esac
     shift
@@ -45,20 +50,27 @@ last() {
     sed -nE "s/.*$2.*/\\1/p" "$1" | tail -n 1
 }
 
+# The fuzzer knows the clock only, and what it gets of a busy machine is less: it runs for a minute at
+# most, again and again, until the processor's time adds up.
 run_target() {
-    local target=$1 place="build/fuzz/$1" log="build/fuzz/$1/log" call
-    local TIMEFORMAT="%U %S"
+    local target=$1 place="build/fuzz/$1" call used=0 status=0
+    local log="$place/log" TIMEFORMAT="%U %S"
     mkdir -p "$place/corpus" "$place/crashes"
     mapfile -t call <"build/asan/fuzz/$target.call"
-    {
-        time "${quietly[@]}" "${call[@]}" -max_total_time="$(awk "BEGIN { print int($minutes * 60) }")" \
+    : >"$log"
+    while ((status == 0)) && awk "BEGIN { exit !($used < $minutes * 60) }"; do
+        { time "${quietly[@]}" "${call[@]}" \
+            -max_total_time="$(awk "BEGIN { rest = $minutes * 60 - $used; print int(rest < 60 ? rest + 1 : 60) }")" \
             -timeout=10 -print_final_stats=1 -artifact_prefix="$place/crashes/" \
-            "$place/corpus" "tests/fuzz/corpus/$target" >"$log" 2>&1 || failed=$((failed + 1))
-    } 2>"$place/seconds"
+            "$place/corpus" "tests/fuzz/corpus/$target" >>"$log" 2>&1; } 2>"$place/seconds" || status=1
+        used=$(awk -v used="$used" '{ print used + $1 + $2 }' "$place/seconds")
+    done
     printf '%-16s %10s runs, %5s places, %6s features, %5s inputs kept, %5s processor minutes, %s crashes\n' \
-        "$target" "$(last "$log" 'number_of_executed_units: ([0-9]+)')" "$(last "$log" ' cov: ([0-9]+)')" \
-        "$(last "$log" ' ft: ([0-9]+)')" "$(find "$place/corpus" -type f | wc -l)" \
-        "$(awk '{ printf "%.1f", ($1 + $2) / 60 }' "$place/seconds")" "$(find "$place/crashes" -type f | wc -l)"
+        "$target" "$(awk '/number_of_executed_units:/ { runs += $2 } END { print runs + 0 }' "$log")" \
+        "$(last "$log" ' cov: ([0-9]+)')" "$(last "$log" ' ft: ([0-9]+)')" \
+        "$(find "$place/corpus" -type f | wc -l)" "$(awk "BEGIN { printf \"%.1f\", $used / 60 }")" \
+        "$(find "$place/crashes" -type f | wc -l)"
+    return "$status"
 }
 
 # Copies inputs that reach what none of the tree's reaches; the fuzzer takes the smallest ones first.
@@ -72,11 +84,19 @@ merge_target() {
 }
 
 failed=0
+running=()
 for target in "${targets[@]}"; do
     if [[ $merge == yes ]]; then
         merge_target "$target"
-    else
-        run_target "$target"
+        continue
     fi
+    while (($(jobs -rp | wc -l) >= jobs)); do
+        sleep 1
+    done
+    run_target "$target" &
+    running+=($!)
+done
+for run in "${running[@]}"; do
+    wait "$run" || failed=$((failed + 1))
 done
 ((failed == 0)) || { echo "FAILED: $failed of ${#targets[@]} targets" >&2; exit 1; }
