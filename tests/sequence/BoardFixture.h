@@ -3,7 +3,7 @@
 #include "board/VirtualBoard.h"
 #include "sequence/context/DiagnosticLog.h"
 #include "tests/sequence/DriverRun.h"
-#include "tests/sequence/LogLines.h"
+#include "tests/sequence/RunAgreement.h"
 #include "tests/support/ImageFile.h"
 
 #include <gtest/gtest.h>
@@ -40,21 +40,8 @@ protected:
         m_dataBefore = m_board.dataFlash();
         RunRecord record = runDriver(m_board.portPath(), baudRate, file);
         m_board.stop();
-        checkAgreement(record);
+        expectAgreement(record);
         return record;
-    }
-
-    // What every run owes, whatever its result.
-    static void checkAgreement(const RunRecord& record) {
-        EXPECT_EQ(record.outcome.Result, record.returned);
-        ASSERT_EQ(record.window->results.size(), 1U);
-        EXPECT_EQ(record.window->outcomeWhenSet.Result, record.returned);
-        EXPECT_EQ(record.window->closingsWhenSet, 0);
-        EXPECT_EQ(record.window->closings, 1);
-        ASSERT_FALSE(record.log.empty());
-        EXPECT_EQ(record.log.back(), record.returned == RESULT_OK ? COMPLETE : FAILED);
-        ASSERT_FALSE(record.window->progress.empty());
-        EXPECT_EQ(record.window->progress.front(), std::make_pair(101, 0));
     }
 
     // The host's frames, in order.

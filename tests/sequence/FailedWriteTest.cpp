@@ -60,7 +60,7 @@ protected:
 TEST_F(FailedWrite, APortThatCannotBeOpened) {
     const ImageFile file("image.bin", patternImage(1));
     const RunRecord record = runDriver("/dev/no-such-port", 0, file.path());
-    checkAgreement(record);
+    expectAgreement(record);
     EXPECT_EQ(record.returned, RESULT_PORT_OPEN_ERROR);
     EXPECT_EQ(record.log, std::vector<std::string>{FAILED});
     EXPECT_EQ(record.window->progress, (ProgressCalls{{101, 0}}));

@@ -10,9 +10,6 @@ namespace {
 using std::chrono::hours;
 using std::chrono::milliseconds;
 
-// All attempts of all exchanges, each with the longest time-out and pause, twice for mode entry.
-constexpr auto LONGEST_RUN = std::chrono::seconds(30);
-
 constexpr std::uint32_t WRITES = 12; // to the device: the zero byte and eleven frames
 
 class ClockJumps : public SimulationFixture, public ::testing::WithParamInterface<milliseconds> {

@@ -7,7 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace flashwriter::simulation {
+
+// All attempts of all exchanges, each with the longest time-out and pause, twice for mode entry.
+inline constexpr auto LONGEST_RUN = std::chrono::seconds(30);
 
 // One dirty block on a board behind a paced wire: eleven frames to it, fourteen from it.
 class SimulationFixture : public ::testing::Test {
