@@ -4,16 +4,23 @@
 #include "tests/support/ImageFile.h"
 
 #include <algorithm>
+#include <chrono>
+#include <sstream>
 
 namespace flashwriter::random {
 
 namespace {
 
 using simulation::SimulatedWrite;
+using simulation::VirtualTime;
 
 // Any single time-out of these images, which have 64 blocks at the most. A clock that goes back
 // within a wait makes it last so much longer, which is no longer than it has lasted.
 constexpr auto LONGEST_WAIT = std::chrono::milliseconds(300);
+
+// The longest answer takes 2.3 ms on the slower wire, and a pause of a millisecond may take nearly
+// two.
+constexpr auto LONGEST_REST = std::chrono::microseconds(2300 + 2000);
 
 WriteFacts factsOf(const Scenario& scenario, const SimulatedWrite& write) {
     return {.portIsThere = !write.unpluggedBefore,
@@ -28,6 +35,30 @@ WriteFacts factsOf(const Scenario& scenario, const SimulatedWrite& write) {
 bool meetsStuckCell(const Scenario& scenario) {
     const auto cell = scenario.board.target.flash.stuckAddress;
     return cell && *cell < scenario.file.image.size() && scenario.file.image[*cell] != 0xFF;
+}
+
+// When a line of the board's transcript was written, in seconds.
+VirtualTime timeOf(const std::string& line) {
+    return std::chrono::round<VirtualTime>(std::chrono::duration<double>(std::stod(line)));
+}
+
+// The longest time from an answer of the board to the next frame that it heard.
+VirtualTime longestRest(const std::string& transcript) {
+    std::istringstream lines(transcript);
+    constexpr auto NONE = VirtualTime::max();
+    VirtualTime answer = NONE;
+    VirtualTime longest{};
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(" < [02 ") != std::string::npos) {
+            answer = timeOf(line);
+        } else if (answer != NONE && line.find(" > [") != std::string::npos) {
+            longest = std::max(longest, timeOf(line) - answer);
+            answer = NONE;
+        } else if (line.ends_with("- port closed")) {
+            answer = NONE; // the next write is not a rest of this one
+        }
+    }
+    return longest;
 }
 
 class Court {
@@ -74,6 +105,8 @@ private:
         demand(m_result == (stuck ? RESULT_DATA_FRAME_ABORT : before),
                "it failed without a reason");
         demand(m_write.violations == 0, "it broke the protocol");
+        demand(longestRest(m_write.transcript) <= LONGEST_REST + 3 * m_facts.longestLook,
+               "it dawdled");
     }
 
     const Scenario& m_scenario;
