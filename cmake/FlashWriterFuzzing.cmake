@@ -13,7 +13,7 @@ function(flashwriter_fuzz_target name)
   cmake_parse_arguments(ARG "" "MAX_LENGTH;DICTIONARY;RUNS" "SOURCES;DEPENDS;OPTIONS" ${ARGN})
   add_executable(fuzz_${name} ${ARG_SOURCES})
   target_link_libraries(fuzz_${name} PRIVATE ${ARG_DEPENDS})
-  flashwriter_configure_test(fuzz_${name})
+  flashwriter_configure(fuzz_${name})
   # The target's own code is not watched: what counts is where the tree's code has been.
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
 

@@ -47,7 +47,7 @@ plant serial/Planted.cpp '#include "serial/platform/Speed.h"' pass
 plant serial/platform/Planted.cpp '#include "targetfile/NSTargetFile.h"'
 plant sequence/Planted.cpp '#include "ui/ResultWindowController.h"'
 plant sequence/Planted.cpp '#include "console/Planted.h"'
-plant sequence/Planted.cpp '#include "tests/unit/Helper.h"'
+plant sequence/Planted.cpp '#include "tests/unit/Planted.h"'
 plant sequence/Planted.cpp '#include "../ui/Planted.h"'
 plant sequence/Planted.cpp '#include "targetfile/NSTargetFile.h"' pass
 plant console/Planted.cpp '#include "app/AppDelegate.h"'

@@ -9,12 +9,13 @@ const std::string FIRMWARE = FIRMWARE_DIR "/";
 
 class Firmware : public WriteFixture {
 protected:
-    void writeBoth(const std::string& file, const std::string& raw, char type) {
+    void writeRecords(const std::string& file, const std::string& raw, char type,
+                      const std::vector<std::string>& speeds) {
         const Bytes content = contentOf(FIRMWARE + file);
         const std::string records = {'\n', 'S', type};
         EXPECT_NE(std::string(content.begin(), content.end()).find(records), std::string::npos)
             << file << " has no records of that type";
-        for (const char* speed : {"115200", "500000"}) {
+        for (const std::string& speed : speeds) {
             writeAndReadBack(speed, FIRMWARE + file, contentOf(FIRMWARE + raw));
         }
     }
@@ -26,15 +27,16 @@ TEST_F(Firmware, AsARawImage) {
 }
 
 TEST_F(Firmware, AsS1Records) {
-    writeBoth("low-s1.mot", "low.bin", '1');
+    writeRecords("low-s1.mot", "low.bin", '1', {"115200", "500000"});
 }
 
+// The high one is long, and what differs is the reading.
 TEST_F(Firmware, AsS2Records) {
-    writeBoth("high-s2.mot", "high.bin", '2');
+    writeRecords("high-s2.mot", "high.bin", '2', {"500000"});
 }
 
 TEST_F(Firmware, AsLongS3Records) {
-    writeBoth("high-s3.mot", "high.bin", '3');
+    writeRecords("high-s3.mot", "high.bin", '3', {"500000"});
 }
 
 } // namespace

@@ -27,9 +27,10 @@ TEST_F(Sizes, AroundFramesAndBlocksAt500000) {
     writeSizes("500000");
 }
 
-// Half of the largest flash: at this speed all of it takes half a minute of waiting for the wire.
+// A quarter of the largest flash: at this speed all of it takes half a minute of waiting for the
+// wire.
 TEST_F(Sizes, TheWholeOfASmallerFlashAt115200) {
-    m_options.target.flash.codeKib = 128;
+    m_options.target.flash.codeKib = 64;
     writeAll("115200");
 }
 

@@ -66,7 +66,7 @@ void ScarceMemoryTest::endsAWriteThatBegins() {
             hasFailed = FailingNew::hasFailed();
         }
         QVERIFY2(main.isIdleSoon(), qPrintable(main.status.text()));
-        QTRY_COMPARE(answer.messages.size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(answer.messages.size(), 1, 20000);
         if (answer.messages[0].contains("succeeded")) {
             QVERIFY(main.board.codeFlash() == expected);
         } else {
