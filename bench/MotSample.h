@@ -8,7 +8,7 @@ namespace flashwriter {
 
 // A file in a temporary directory of its own, removed with everything in that directory when the
 // object goes. It has S3 records of 32 data bytes, in the order of their addresses and none twice
-// (objcopy wants it so), and fills images that extend to 16 MiB, the most that is read: 41 MB of
+// (objcopy wants it so), and fills images that extend to 16 MiB, the most that is kept: 41 MB of
 // text. Only the record that would lie across the start of data flash is left out.
 class MotSample {
 public:

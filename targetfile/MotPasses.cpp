@@ -6,13 +6,17 @@ namespace flashwriter {
 
 namespace {
 
-// 64-bit arithmetic: the record's own, in 32 bits, may have wrapped to an end that looks harmless.
+// size: the image's; kept: how many bytes of it are there. 64-bit arithmetic: the record's own, in
+// 32 bits, may have wrapped to an end that looks harmless.
 ResultCode storeAt(std::uint64_t offset, const MotRecord& record, std::uint8_t* image,
-                   std::uint64_t size) {
+                   std::uint64_t size, std::uint64_t kept) {
     if (offset + record.size > size) {
         return RESULT_UNSUPPORTED_FORMAT;
     }
-    record.line.hexBytes(record.dataIndex, record.size, image + offset);
+    if (offset < kept) {
+        const auto count = std::min<std::uint64_t>(record.size, kept - offset);
+        record.line.hexBytes(record.dataIndex, count, image + offset);
+    }
     return RESULT_OK;
 }
 
@@ -45,9 +49,11 @@ ResultCode storeMotRecord(const MotRecord& record, const MotImages& images) {
         return RESULT_OK;
     }
     if (isProgram) {
-        return storeAt(record.address, record, images.program, images.programSize);
+        return storeAt(record.address, record, images.program, images.programSize,
+                       images.programSize);
     }
-    return storeAt(record.address - dataFlashAddress, record, images.data, images.dataSize);
+    return storeAt(record.address - dataFlashAddress, record, images.data, images.dataSize,
+                   keptOfDataImage(images.dataSize));
 }
 
 ResultCode fillMotImages(const std::string& path, const MotImages& images, std::size_t step) {

@@ -5,6 +5,7 @@
 #include "targetfile/MotLineReader.h"
 #include "targetfile/MotRecord.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -21,8 +22,15 @@ struct MotExtents {
     std::uint64_t data = 0;
 };
 
+// How many bytes of a data image are kept, its first ones: no more than 16 MiB, which is as far as
+// the protocol's 24-bit addresses go. A record may lie anywhere in 32 bits, and its address must
+// not cost the machine its memory. A code image is never as large as that.
+constexpr std::uint64_t keptOfDataImage(std::uint64_t dataSize) {
+    return std::min<std::uint64_t>(dataSize, 0x1000000);
+}
+
 // The images to fill, borrowed, and their sizes in bytes. Byte i of program is address i, byte i of
-// data is address dataFlashAddress + i.
+// data is address dataFlashAddress + i; behind data are the keptOfDataImage(dataSize) bytes.
 struct MotImages {
     std::uint8_t* program = nullptr;
     std::uint64_t programSize = 0;
@@ -46,7 +54,8 @@ ResultCode measureMotFile(const std::string& path, MotExtents& extents,
 ResultCode fillMotImages(const std::string& path, const MotImages& images,
                          std::size_t step = MotLineReader::usualStep);
 
-// Stores one record's bytes into the image that its end address chooses. Never writes outside it.
+// Stores one record's bytes into the image that its end address chooses, as far as the image is
+// kept. Never writes outside it.
 // RESULT_DATA_FLASH_SIZE_ERROR: the record begins in code flash and ends beyond that image, or ends
 // too far beyond the data flash.
 // RESULT_UNSUPPORTED_FORMAT: its byte count or address wraps, so that its bytes do not lie inside

@@ -14,16 +14,9 @@ namespace flashwriter {
 
 namespace {
 
-// The protocol's addresses have 24 bits: a file that claims more is not one for any board, and its
-// claim must not cost the machine its memory.
-constexpr std::uint64_t largestExtent = 0x1000000;
-
 constexpr int erasedFlash = 0xFF;
 
 std::unique_ptr<std::uint8_t[]> allocateErased(std::uint64_t size) {
-    if (size > largestExtent) {
-        return nullptr;
-    }
     std::unique_ptr<std::uint8_t[]> image(new (std::nothrow) std::uint8_t[size]);
     if (image) {
         std::memset(image.get(), erasedFlash, size);
@@ -95,7 +88,7 @@ void NSTargetFileForMot::releaseData() {
 // Both images are there or none, also when one of them is empty.
 bool NSTargetFileForMot::allocateImages() {
     m_pbProgram = allocateErased(m_dwProgramSize);
-    m_pbData = allocateErased(m_dwDataSize);
+    m_pbData = allocateErased(keptOfDataImage(m_dwDataSize));
     return m_pbProgram != nullptr && m_pbData != nullptr;
 }
 

@@ -26,8 +26,8 @@ public:
     NSTargetFileForMot& operator=(const NSTargetFileForMot&) = delete;
 
     // Loads the file at path in place of any earlier images. What no record writes reads 0xFF.
-    // RESULT_FILE_READ_FAILED: not a readable regular file, not UTF-8, or no memory for the images,
-    // which may extend to 16 MiB each; the object is empty.
+    // RESULT_FILE_READ_FAILED: not a readable regular file, not UTF-8, or no memory for the images;
+    // the object is empty.
     // RESULT_UNSUPPORTED_FORMAT: as MotFileSize, there are no images then; or a record whose
     // address or byte count wraps, so that its bytes lie outside its image.
     // RESULT_DATA_FLASH_SIZE_ERROR: a record that begins below data flash and ends in it, or one
@@ -64,7 +64,8 @@ public:
     std::uint64_t GetProgramMemorySize() const { return m_dwProgramSize; }
 
     // The data-flash image, borrowed, whose byte i is address 0xF1000 + i, and the data flash's end
-    // as an absolute address. The buffer has as many bytes as that address says.
+    // as an absolute address, up to 0xFFFFFFFF. The buffer has as many bytes as that address says,
+    // and 16 MiB at most: what lies beyond them is checked and not kept.
     const std::uint8_t* GetDataFlash() const { return m_pbData.get(); }
     std::uint64_t GetDataSize() const { return m_dwDataSize; }
 

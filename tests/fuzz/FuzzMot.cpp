@@ -14,6 +14,8 @@
 namespace flashwriter::fuzz {
 namespace {
 
+constexpr std::uint64_t largestKept = 0x1000000; // bytes of the data image
+
 bool isSame(const std::uint8_t* image, std::uint64_t size, const Bytes& expected) {
     return image != nullptr && size == expected.size() &&
            std::equal(expected.begin(), expected.end(), image);
@@ -44,8 +46,9 @@ void compareClass(const std::string& path, const MotReference& expected) {
     if (expected.measured == RESULT_OK) {
         require(isSame(file.GetProgramMemory(), file.GetProgramMemorySize(), expected.program),
                 "code flash as read");
-        require(isSame(file.GetDataFlash(), file.GetDataSize(), expected.data),
-                "data flash as read");
+        require(
+            isSame(file.GetDataFlash(), std::min(file.GetDataSize(), largestKept), expected.data),
+            "data flash as read");
     }
 }
 

@@ -46,9 +46,8 @@ protected:
         EXPECT_EQ(m_board.codeFlash(), m_before);
         EXPECT_EQ(m_board.dataFlash(), m_dataBefore);
     }
-    void expectNoRoomForData() {
-        const ImageFile file("image.mot",
-                             motText(patternImage(16)) + "S20C0F1000001020304050607080\n");
+    void expectNoRoomForData(const std::string& dataRecord = "S20C0F1000001020304050607080\n") {
+        const ImageFile file("image.mot", motText(patternImage(16)) + dataRecord);
         const RunRecord record = write(file.path());
         EXPECT_EQ(record.returned, RESULT_DATA_FLASH_SIZE_ERROR);
         EXPECT_EQ(record.window->progress, UP_TO_CHECK);
@@ -181,6 +180,21 @@ TEST_F(FailedWrite, RecordsForDataFlashAreAlwaysTooMany) {
         m_options.target.flash.dataKib = dataKib;
         expectNoRoomForData();
     }
+}
+
+// As in an image that was built for another board.
+TEST_F(FailedWrite, RecordsFarAboveAllFlashAreTooManyToo) {
+    expectNoRoomForData("S30D080000000001020304050607CE\n");
+    expectNoRoomForData("S30DFFFFFF000001020304050607D6\n");
+}
+
+TEST_F(FailedWrite, CodeThatIsTooLongIsToldBeforeRecordsFarAbove) {
+    const ImageFile file("image.mot",
+                         motText(patternImage(16385)) + "S30D080000000001020304050607CE\n");
+    const RunRecord record = write(file.path());
+    EXPECT_EQ(record.returned, RESULT_CODE_FLASH_SIZE_ERROR);
+    EXPECT_EQ(record.window->progress, UP_TO_CHECK);
+    expectUntouched();
 }
 
 // Ends so far up, or below the start of data flash, that by them alone there would be room.

@@ -37,12 +37,14 @@ protected:
 
     std::string in(const std::string& name) const { return m_directory + "/" + name; }
 
-    void expectRefusal(const std::string& path, const std::string& code) {
+    // Returns what the command says.
+    std::string expectRefusal(const std::string& path, const std::string& code) {
         SCOPED_TRACE(path);
         ChildProcess program(flashwrite("500000", path));
         EXPECT_EQ(program.wait(std::chrono::minutes(4)), 1);
         EXPECT_THAT(program.output(), HasSubstr(code));
         EXPECT_TRUE(m_board.codeFlash() == m_before);
+        return program.output();
     }
 
     std::string m_directory = ::testing::TempDir() + "hostile-XXXXXX";
@@ -96,6 +98,15 @@ TEST_F(HostileFiles, OfManyGigabytes) {
     rusage used{};
     ASSERT_EQ(::getrusage(RUSAGE_CHILDREN, &used), 0);
     EXPECT_LT(used.ru_maxrss, MOST_MEMORY) << "KiB";
+}
+
+// A board's flash may begin at 128 MiB, too; this one's does not.
+TEST_F(HostileFiles, ThatWereBuiltForAnotherDevice) {
+    const std::string path = in("other.mot");
+    std::ofstream(path) << "S30D080000000001020304050607CE\n";
+    EXPECT_THAT(expectRefusal(path, "ERROR:0x00003005\n"),
+                HasSubstr(path + " has S-records that reach into data flash (0xF1000 and above), "
+                                 "which is never written: leave them out when building it."));
 }
 
 TEST_F(HostileFiles, ThatAreReplacedAllTheTime) {

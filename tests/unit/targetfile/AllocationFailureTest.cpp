@@ -14,7 +14,10 @@ constexpr std::size_t largestSmallAllocation = 1000;
 // How many more large allocations succeed.
 std::size_t largeAllocationsLeft = unlimited;
 
+std::size_t largestAllocation = 0;
+
 bool isThereMemory(std::size_t size) {
+    largestAllocation = std::max(largestAllocation, size);
     if (size <= largestSmallAllocation || largeAllocationsLeft == unlimited) {
         return true;
     }
@@ -58,6 +61,14 @@ TEST_F(AllocationFailure, LeavesTheSRecordFileEmpty) {
         EXPECT_EQ(readWith(allocations, m_file, path), RESULT_FILE_READ_FAILED) << allocations;
         expectEmpty();
     }
+}
+
+// An address costs ten characters of a file: it must not cost the machine its memory.
+TEST_F(AllocationFailure, IsNotBroughtAboutByALyingAddress) {
+    const std::string path = write(m_good + motLine(3, 0xFFFFFFEF, counting(16)));
+    largestAllocation = 0;
+    EXPECT_EQ(m_file.ReadFile(path), RESULT_OK);
+    EXPECT_EQ(largestAllocation, 0x1000000U);
 }
 
 TEST_F(AllocationFailure, LeavesTheExtentsWhenMeasuringLacksMemory) {

@@ -39,8 +39,10 @@ protected:
         return {m_file.GetProgramMemory(),
                 m_file.GetProgramMemory() + m_file.GetProgramMemorySize()};
     }
+    // What is kept of the data image.
     Bytes data() const {
-        return {m_file.GetDataFlash(), m_file.GetDataFlash() + m_file.GetDataSize()};
+        const auto size = std::min<std::uint64_t>(m_file.GetDataSize(), 0x1000000);
+        return {m_file.GetDataFlash(), m_file.GetDataFlash() + size};
     }
 
     void expectEmpty() const {

@@ -17,15 +17,11 @@ MotReference readByPasses(const std::string& path, std::size_t step) {
     if (outcome.measured != RESULT_OK) {
         return outcome;
     }
-    if (extents.data > 0x1000000) {
-        outcome.filled = RESULT_FILE_READ_FAILED;
-        return outcome;
-    }
     // An empty vector may have no buffer, an image always has one.
     outcome.program.reserve(1);
     outcome.data.reserve(1);
     outcome.program.assign(extents.program, 0xFF);
-    outcome.data.assign(extents.data, 0xFF);
+    outcome.data.assign(keptOfDataImage(extents.data), 0xFF);
     const MotImages images{outcome.program.data(), extents.program, outcome.data.data(),
                            extents.data};
     outcome.filled = fillMotImages(path, images, step);

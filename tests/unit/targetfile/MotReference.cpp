@@ -105,20 +105,24 @@ std::vector<Record> records(const std::vector<Characters>& lines, bool& ended) {
 
 ResultCode store(const Record& record, MotReference& reference) {
     Bytes* image = &reference.program;
+    std::uint64_t extent = reference.programExtent;
     std::uint32_t offset = record.address;
     if (record.end > reference.programExtent) {
         if (record.address < 0xF1000 || reference.dataExtent + 0xF1000 <= record.end) {
             return RESULT_DATA_FLASH_SIZE_ERROR;
         }
         image = &reference.data;
+        extent = reference.dataExtent;
         offset -= 0xF1000;
     }
-    if (offset > image->size() || record.size > image->size() - offset) {
+    if (offset > extent || record.size > extent - offset) {
         return RESULT_UNSUPPORTED_FORMAT;
     }
     for (std::uint32_t i = 0; i < record.size; ++i) {
-        image->at(offset + i) =
-            static_cast<std::uint8_t>(field(record.data, std::size_t{2} * i, 2));
+        const auto byte = static_cast<std::uint8_t>(field(record.data, std::size_t{2} * i, 2));
+        if (offset + i < image->size()) {
+            image->at(offset + i) = byte;
+        }
     }
     return RESULT_OK;
 }
@@ -143,12 +147,8 @@ MotReference readMotReference(std::string_view contents) {
         reference.measured = RESULT_UNSUPPORTED_FORMAT;
         return reference;
     }
-    if (reference.dataExtent > 0x1000000) {
-        reference.filled = RESULT_FILE_READ_FAILED;
-        return reference;
-    }
     reference.program.assign(reference.programExtent, 0xFF);
-    reference.data.assign(reference.dataExtent, 0xFF);
+    reference.data.assign(std::min<std::uint64_t>(reference.dataExtent, 0x1000000), 0xFF);
     for (std::size_t i = 0; i < found.size() && reference.filled == RESULT_OK; ++i) {
         reference.filled = store(found[i], reference);
     }

@@ -19,7 +19,7 @@ struct MotReference {
 };
 
 // Reads a whole file's contents. Shares no code with the program: it decodes all text to code
-// points first and copies every line and field. extents up to 16 MiB are filled.
+// points first and copies every line and field. Of the data image it keeps the first 16 MiB.
 MotReference readMotReference(std::string_view contents);
 
 } // namespace flashwriter
