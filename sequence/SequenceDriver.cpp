@@ -92,10 +92,11 @@ template <class TargetFile, class Delegate>
 ResultCode SequenceDriver<TargetFile, Delegate>::openPort() {
     beginStage(ENTERING_MODE, 0.0);
     report();
-    if (std::memchr(m_ContextInfo.PortName, '\0', sizeof m_ContextInfo.PortName) == nullptr) {
-        return RESULT_PORT_OPEN_ERROR;
-    }
-    const ResultCode result = m_ComPort.Open(m_ContextInfo.PortName);
+    // A name without an end is none. The transport is opened all the same, on nothing: one that
+    // never was would take descriptor 0 for its own when the write ends.
+    const auto& name = m_ContextInfo.PortName;
+    const bool hasEnd = std::memchr(name, '\0', sizeof name) != nullptr;
+    const ResultCode result = m_ComPort.Open(hasEnd ? name : "");
     while (result == RESULT_OK && !m_ComPort.IsReading()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }

@@ -1,5 +1,6 @@
 // What a driver does besides the exchanges: its own checks, its delegate, its life.
 #include "tests/sequence/BoardFixture.h"
+#include "tests/support/DescriptorZero.h"
 #include "tests/support/PseudoTerminal.h"
 
 #include <algorithm>
@@ -151,11 +152,14 @@ TEST_F(Driver, IsKeptAliveWithItsWindowUntilItsTasksHaveRun) {
     EXPECT_TRUE(watchedWindow.expired());
 }
 
+// Nor may the ends that every write comes to, reset and closing, be those of descriptor 0.
 TEST_F(Driver, APortNameWithoutAnEndIsNoPort) {
+    const testing::DescriptorZero zero;
     _CONTEXTINFO context = contextFor("", 0, "image.bin", m_outcome);
     std::ranges::fill(context.PortName, '/');
     EXPECT_EQ(m_driver->start(context, std::make_shared<RecordingWindow>()),
               RESULT_PORT_OPEN_ERROR);
+    EXPECT_TRUE(testing::DescriptorZero::isOpen());
 }
 
 TEST_F(Driver, AWindowThatThrowsKeepsNoWriteFromItsEnd) {

@@ -1,4 +1,5 @@
 #include "serial/NSSerialPortProcessor.h"
+#include "tests/support/DescriptorZero.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/FailingThread.h"
@@ -20,6 +21,7 @@
 namespace flashwriter {
 namespace {
 
+using testing::DescriptorZero;
 using testing::eventually;
 using testing::PseudoTerminal;
 using testing::SerialRequests;
@@ -38,31 +40,6 @@ std::size_t openDescriptors() {
     const std::filesystem::directory_iterator entries("/proc/self/fd");
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
-
-// Keeps the test program's descriptor 0 safe while a transport closes it.
-class DescriptorZero {
-public:
-    DescriptorZero() : m_saved(::dup(0)) {
-        const int null = ::open("/dev/null", O_RDWR);
-        ::dup2(null, 0);
-        if (null != 0) {
-            ::close(null);
-        }
-    }
-    ~DescriptorZero() {
-        if (m_saved != -1) {
-            ::dup2(m_saved, 0);
-            ::close(m_saved);
-        }
-    }
-    DescriptorZero(const DescriptorZero&) = delete;
-    DescriptorZero& operator=(const DescriptorZero&) = delete;
-
-    static bool isOpen() { return ::fcntl(0, F_GETFD) != -1; }
-
-private:
-    int m_saved;
-};
 
 TEST(Open, SetsTheLineForProgramming) {
     PseudoTerminal terminal;
