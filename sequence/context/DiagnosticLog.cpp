@@ -23,6 +23,16 @@ void writeToStandardError(const char* text) {
 
 std::atomic<DiagnosticSink> currentSink{writeToStandardError};
 
+// What a sink throws, for want of memory say, ends here: nobody who logs is there to catch it, and
+// there is nobody to tell.
+void hand(DiagnosticSink sink, const char* text) {
+    try {
+        sink(text);
+    } catch (...) {
+        return;
+    }
+}
+
 // A line that outgrows the stack buffer is formatted again into a string of its size; when even
 // that cannot be had, its beginning is logged.
 void logLongLine(DiagnosticSink sink, const char* beginning, std::size_t length, const char* format,
@@ -30,9 +40,9 @@ void logLongLine(DiagnosticSink sink, const char* beginning, std::size_t length,
     try {
         std::string whole(length, '\0');
         std::vsnprintf(whole.data(), whole.size() + 1, format, arguments);
-        sink(whole.c_str());
+        hand(sink, whole.c_str());
     } catch (const std::exception&) {
-        sink(beginning);
+        hand(sink, beginning);
     }
 }
 
@@ -54,7 +64,7 @@ void diagnosticLog(const char* format, ...) {
     if (length >= static_cast<int>(line.size())) {
         logLongLine(sink, line.data(), static_cast<std::size_t>(length), format, again);
     } else if (length >= 0) {
-        sink(line.data());
+        hand(sink, line.data());
     }
     va_end(again);
 }

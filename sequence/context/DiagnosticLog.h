@@ -5,8 +5,8 @@
 namespace flashwriter {
 
 // Receives one entry, NUL-terminated, valid during the call only: a line without its line break, or
-// a few lines with line breaks between them. Called on whichever thread logs, by several at once;
-// must not throw.
+// a few lines with line breaks between them. Called on whichever thread logs, by several at once.
+// When it throws, its entry is lost, and nothing else.
 using DiagnosticSink = void (*)(const char* text);
 
 // Replaces the sink; nullptr brings back the first one, which writes lines to standard error and

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <numeric>
 #include <thread>
 
@@ -265,6 +266,19 @@ TEST_F(Write, WithOnePerTimeLeavesNothingBehind) {
 }
 
 // The main thread may put another delegate in place at any moment of a write.
+// On the thread of the write and on the one that receives.
+TEST_F(Write, DoesNotDependOnADiagnosticLogThatThrows) {
+    setDiagnosticSink([](const char* /*text*/) { throw std::bad_alloc(); });
+    m_board.start(m_options);
+    const Bytes image = patternImage(1000);
+    const ImageFile file("image.bin", image);
+    const RunRecord record = runDriver(m_board.portPath(), 0, file.path());
+    EXPECT_EQ(record.returned, RESULT_OK);
+    checkAgreement(record);
+    EXPECT_TRUE(m_board.waitForClosings(1, std::chrono::seconds(20)));
+    EXPECT_EQ(m_board.codeFlash(), flashAfter(image, m_board.codeFlash()));
+}
+
 TEST_F(Write, LosesNoLineWhenItsDelegateChangesMeanwhile) {
     class Delegate : public NSSequenceProcessorDelegate {
     public:

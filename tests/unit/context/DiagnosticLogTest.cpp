@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,20 @@ TEST_F(DiagnosticLog, WithoutASinkWritesLinesToStandardError) {
     diagnosticLog("errno:%d", 5);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "DTR=true\nerrno:5\n");
     EXPECT_TRUE(collected.empty());
+}
+
+// Its callers are in the middle of a write, or on threads that must not throw.
+TEST_F(DiagnosticLog, LosesWhatASinkThrowsAtAndNothingElse) {
+    setDiagnosticSink([](const char* text) {
+        collect(text);
+        throw std::bad_alloc();
+    });
+    const std::string longText(1000, 'x');
+    EXPECT_NO_THROW(diagnosticLog("errno:%d", 5));
+    EXPECT_NO_THROW(diagnosticLog("%s", longText.c_str()));
+    EXPECT_EQ(collected, (std::vector<std::string>{"errno:5", longText})) << "each of them once";
+    setDiagnosticSink([](const char* /*text*/) { throw 1; });
+    EXPECT_NO_THROW(diagnosticLog("errno:%d", 5));
 }
 
 } // namespace
