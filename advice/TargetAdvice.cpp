@@ -55,9 +55,13 @@ std::string portTrouble(const FailureFacts& facts) {
     return "";
 }
 
+// An adapter that is stuck passes nothing on and says nothing of it: that looks like a board that
+// keeps silent.
+constexpr const char* MAYBE_STUCK = "; if it stays so, plug the adapter in again.";
+
 std::string neverAnswered(const FailureFacts& facts) {
     return "The board never answered: check that it has power, that " + facts.portPath +
-           " is its adapter, and that the data line and DTR are wired to it.";
+           " is its adapter, and that the data line and DTR are wired to it" + MAYBE_STUCK;
 }
 
 std::string timeoutAdvice(const _COMMANDINFO& last, const FailureFacts& facts) {
@@ -65,7 +69,7 @@ std::string timeoutAdvice(const _COMMANDINFO& last, const FailureFacts& facts) {
         return neverAnswered(facts);
     }
     return std::string("The board stopped answering when it was to ") + request(last.Command) +
-           ": check its power and the cable, and write again" + slower(facts) + ".";
+           ": check its power and the cable, and write again" + slower(facts) + MAYBE_STUCK;
 }
 
 // Attempts after the first are made only when nothing came back.

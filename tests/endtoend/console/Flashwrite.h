@@ -35,7 +35,9 @@ inline const char* const SILENT_BOARD_LOG = "## Programming Mode\n"
 
 inline std::string neverAnswered(const std::string& port) {
     return "The board never answered: check that it has power, that " + port +
-           " is its adapter, and that the data line and DTR are wired to it.\n";
+           " is its adapter, and that the data line and DTR are wired to it; if it stays so, plug "
+           "the "
+           "adapter in again.\n";
 }
 
 } // namespace flashwriter::testing

@@ -17,7 +17,7 @@ _COMMANDINFO exchange(std::uint8_t command, std::uint64_t retry = 0) {
 
 const char* const NEVER_ANSWERED =
     "The board never answered: check that it has power, that /dev/ttyUSB0 is its adapter, and that "
-    "the data line and DTR are wired to it.";
+    "the data line and DTR are wired to it; if it stays so, plug the adapter in again.";
 
 TEST(TargetAdvice, ABoardThatNeverAnswered) {
     EXPECT_EQ(advice(RESULT_RECEIVE_TIMEOUT, goodFacts(), exchange(COM_BAUD_RATE_SET)),
@@ -34,7 +34,7 @@ TEST(TargetAdvice, AComputerThatWasTooSlow) {
 TEST(TargetAdvice, ABoardThatStoppedAnsweringDidSoSomewhere) {
     EXPECT_EQ(advice(RESULT_RECEIVE_TIMEOUT, goodFacts(), exchange(COM_BLOCK_ERASE)),
               "The board stopped answering when it was to erase a block: check its power and the "
-              "cable, and write again.");
+              "cable, and write again; if it stays so, plug the adapter in again.");
     std::set<std::string> texts;
     for (const std::uint8_t command :
          {COM_RESET, COM_SILICON_SIGNATURE, COM_BLOCK_BLANK_CHECK, COM_BLOCK_ERASE, COM_PROGRAMMING,
@@ -51,7 +51,7 @@ TEST(TargetAdvice, OnlyTheFasterSpeedHasASlowerOne) {
         facts.speedIndex = 0;
         EXPECT_THAT(advice(code, facts, exchange(COM_RESET)), Not(HasSubstr("115200")));
         facts.speedIndex = 2;
-        EXPECT_THAT(advice(code, facts, exchange(COM_RESET)), HasSubstr("or write at 115200."));
+        EXPECT_THAT(advice(code, facts, exchange(COM_RESET)), HasSubstr(", or write at 115200"));
     }
 }
 
