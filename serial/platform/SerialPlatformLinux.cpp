@@ -62,6 +62,14 @@ void makeInterrupting(int signal) {
     ::sigaction(signal, &action, nullptr);
 }
 
+// A new thread inherits the signals that its maker has blocked.
+void letThrough(int signal) {
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, signal);
+    ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
 } // namespace
 
 // A Linux port at the kernel's defaults is set up for a person at a terminal: it waits for whole
@@ -129,6 +137,7 @@ void closeAtOnce(int descriptor) {
     std::atomic<bool> isClosed{false};
     try {
         std::thread closing([descriptor, &isClosed] {
+            letThrough(SIGURG);
             ::close(descriptor);
             isClosed = true;
         });

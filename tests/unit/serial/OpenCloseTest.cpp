@@ -15,8 +15,11 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 namespace flashwriter {
 namespace {
@@ -194,6 +197,28 @@ TEST(Close, IsNotHeldUpByOutputThatStays) {
         port.Close();
         EXPECT_EQ(openDescriptors(), before);
     }
+}
+
+// Whoever calls may have blocked the signal that ends the system's wait.
+TEST(Close, IsNotHeldUpUnderTheCallersSignalMask) {
+    PseudoTerminal terminal;
+    SerialRequests requests;
+    NSSerialPortProcessor port;
+    ASSERT_EQ(port.Open(terminal.portPath()), RESULT_OK);
+    requests.plan = {{TIOCOUTQ, 0}};
+    requests.pendingOutput = 1;
+    requests.closesHeld = true;
+    std::atomic<bool> isClosed{false};
+    std::thread caller([&] {
+        sigset_t all;
+        sigfillset(&all);
+        ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
+        port.Close();
+        isClosed = true;
+    });
+    EXPECT_TRUE(eventually([&] { return isClosed.load(); }));
+    requests.closesHeld = false;
+    caller.join();
 }
 
 TEST(Close, IsMadeHereWhenThereIsNoOtherThread) {
