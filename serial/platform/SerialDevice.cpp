@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 namespace flashwriter::platform {
 
@@ -18,6 +20,22 @@ auto uninterrupted(Call call) {
         result = call();
     }
     return result;
+}
+
+// While output is pending the system holds up a close, and Linux the request for a BREAK: if the
+// adapter takes no more bytes, the one for half a minute and the other without a limit. 0 as soon
+// as none is pending any more; -1 and ETIMEDOUT when some stays.
+int letOutputLeave(int descriptor) {
+    constexpr auto PATIENCE = std::chrono::milliseconds(500);
+    const auto start = std::chrono::steady_clock::now();
+    while (isOutputPending(descriptor)) {
+        if (std::chrono::steady_clock::now() - start > PATIENCE) {
+            errno = ETIMEDOUT;
+            return -1;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return 0;
 }
 
 } // namespace

@@ -29,8 +29,7 @@ void discardPending(int descriptor);
 void readAttributes(int descriptor, termios& attributes);
 void writeAttributes(int descriptor, const termios& attributes);
 
-// Fails with ETIMEDOUT when the device does not take what was sent before; see letOutputLeave
-// below.
+// Fails with ETIMEDOUT when the device has not taken what was sent before half a second later.
 int setBreak(int descriptor);
 int clearBreak(int descriptor);
 int readModemLines(int descriptor, std::int32_t& lines);
@@ -45,10 +44,8 @@ int setLineSpeed(int descriptor, std::uint64_t bitsPerSecond);
 // Asks the driver not to hold short packets back. Best effort.
 void requestLowLatency(int descriptor);
 
-// Makes sure that starting a BREAK, or closing, will not be held up: 0 as soon as no output is
-// pending any more, or the system does not wait for it; -1 and ETIMEDOUT when some stays for half a
-// second.
-int letOutputLeave(int descriptor);
+// Whether something that was written has not gone out, as far as the system knows.
+bool isOutputPending(int descriptor);
 // Closes without waiting for output that does not leave.
 void closeAtOnce(int descriptor);
 

@@ -42,15 +42,6 @@ void setRate(termios2& attributes, speed_t rate) {
     attributes.c_ospeed = rate;
 }
 
-// In the driver's queue, or in the chip behind it as far as the driver can tell. A port that knows
-// neither question waits for nothing.
-bool isOutputPending(int descriptor) {
-    int queued = 0;
-    int state = TIOCSER_TEMT;
-    return (::ioctl(descriptor, TIOCOUTQ, &queued) == 0 && queued > 0) ||
-           (::ioctl(descriptor, TIOCSERGETLSR, &state) == 0 && (state & TIOCSER_TEMT) == 0);
-}
-
 constexpr auto LOOK_AGAIN = std::chrono::milliseconds(10);
 
 // Nobody else here has a use for this signal, and by itself it does nothing to anybody. With a
@@ -115,19 +106,13 @@ void requestLowLatency(int descriptor) {
     ::ioctl(descriptor, TIOCSSERIAL, &settings);
 }
 
-// The request for a BREAK waits for pending output without a limit, and a close for 30 seconds:
-// with an adapter that takes no more bytes, whoever made them would be held up for so long.
-int letOutputLeave(int descriptor) {
-    constexpr auto PATIENCE = std::chrono::milliseconds(500);
-    const auto start = std::chrono::steady_clock::now();
-    while (isOutputPending(descriptor)) {
-        if (std::chrono::steady_clock::now() - start > PATIENCE) {
-            errno = ETIMEDOUT;
-            return -1;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return 0;
+// In the driver's queue, or in the chip behind it as far as the driver can tell. A port that knows
+// neither question waits for nothing.
+bool isOutputPending(int descriptor) {
+    int queued = 0;
+    int state = TIOCSER_TEMT;
+    return (::ioctl(descriptor, TIOCOUTQ, &queued) == 0 && queued > 0) ||
+           (::ioctl(descriptor, TIOCSERGETLSR, &state) == 0 && (state & TIOCSER_TEMT) == 0);
 }
 
 // Only a signal ends the system's wait in a close; what has not gone out is lost then, and the port
