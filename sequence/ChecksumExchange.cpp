@@ -6,8 +6,6 @@
 
 namespace flashwriter {
 
-namespace {} // namespace
-
 std::uint64_t ChecksumExchange::blocksBetween(std::uint64_t startAddress,
                                               std::uint64_t endAddress) {
     return blocksOf(endAddress - startAddress);
