@@ -5,6 +5,7 @@
 namespace flashwriter::testing {
 
 bool failThreadCreation = false;
+std::atomic<long> failingThread{0};
 
 } // namespace flashwriter::testing
 
@@ -17,7 +18,8 @@ void __real__ZNSt6thread15_M_start_threadESt10unique_ptrINS_6_StateESt14default_
 
 void __wrap__ZNSt6thread15_M_start_threadESt10unique_ptrINS_6_StateESt14default_deleteIS1_EEPFvvE(
     void* thread, void* state, Depend depend) {
-    if (flashwriter::testing::failThreadCreation) {
+    using namespace flashwriter::testing;
+    if (failingThread.fetch_sub(1) == 1 || failThreadCreation) {
         throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
     }
     __real__ZNSt6thread15_M_start_threadESt10unique_ptrINS_6_StateESt14default_deleteIS1_EEPFvvE(

@@ -2,8 +2,9 @@
 //   scarce_flashwrite PORT SPEED FILE
 // FAILING_ALLOCATION=n: the n-th allocation fails, counted from 1 on all threads; status 75 instead
 // of 0 when there are fewer. DESCRIPTORS=n: no more than n descriptors besides the three standard
-// ones.
+// ones. THREADS=n: the n-th thread cannot be had; status 75 likewise.
 #include "console/ConsoleWrite.h"
+#include "tests/support/FailingThread.h"
 #include "tests/support/ScarceMemory.h"
 
 #include <sys/resource.h>
@@ -36,8 +37,10 @@ int main(int argc, char** argv) {
         const rlimit limits{limit, limit};
         ::setrlimit(RLIMIT_NOFILE, &limits);
     }
+    flashwriter::testing::failingThread = numberIn("THREADS");
     flashwriter::testing::memoryRule = failing > 0 ? isThereMemory : nullptr;
     const int status = flashwriter::consoleWrite(argc, argv);
     flashwriter::testing::memoryRule = nullptr;
-    return failing > 0 && allocations < failing ? NOT_REACHED + status : status;
+    const bool isReached = allocations >= failing && flashwriter::testing::failingThread <= 0;
+    return isReached ? status : NOT_REACHED + status;
 }

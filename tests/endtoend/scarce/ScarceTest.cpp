@@ -113,5 +113,24 @@ TEST_F(Scarce, Descriptors) {
     }
 }
 
+TEST_F(Scarce, Threads) {
+    const ImageFile file("image.bin", m_images[0]);
+    const auto before = m_board.codeFlash();
+    // That of the write, and the one that receives.
+    for (const char* variable : {"THREADS=1", "THREADS=2"}) {
+        ChildProcess program(
+            scarceFlashwrite(m_board.portPath(), file.path(), variable, ChildStream::Pipe));
+        EXPECT_EQ(endOf(program, variable), 1);
+        for (const char* words : {"ERROR:0x00002000\n", "not enough memory, or no thread"}) {
+            EXPECT_NE(program.output().find(words), std::string::npos) << program.output();
+        }
+        EXPECT_EQ(m_board.codeFlash(), before);
+    }
+    int tries = 0; // on a busy machine a write may fail all the same
+    while (write("THREADS=3", ".bin") != NOT_REACHED && ++tries < 10) {
+    }
+    EXPECT_LT(tries, 10);
+}
+
 } // namespace
 } // namespace flashwriter::testing
