@@ -27,8 +27,7 @@ StatusLine::StatusLine(QLabel& label, const MainThreadQueue& mainThread,
                      [this] { sheltered("status", [this] { look(); }); });
     m_late.setSingleShot(true);
     m_late.setInterval(LATE);
-    QObject::connect(&m_late, &QTimer::timeout, &m_late,
-                     [this] { show("Waiting for the system to tell of port and image…"); });
+    QObject::connect(&m_late, &QTimer::timeout, &m_late, [this] { tellOfWaiting(); });
     m_devices.addPath("/dev");
     QObject::connect(&m_devices, &QFileSystemWatcher::directoryChanged, &m_soon,
                      [this] { refresh(); });
@@ -67,12 +66,18 @@ void StatusLine::look() {
     if (m_heldText.isEmpty()) {
         m_late.start();
     }
-    const bool isAsked = m_lookup.ask(question(), [this](const std::string& text) {
+    m_lookup.ask(question(), [this](const std::string& text) {
         m_late.stop();
         show(QString::fromStdString(text));
     });
-    if (!isAsked) {
-        m_late.stop();
+}
+
+// A look that has failed, or could not begin, tells nobody: another one is due then.
+void StatusLine::tellOfWaiting() {
+    if (m_lookup.isWaiting()) {
+        show("Waiting for the system to tell of port and image…");
+    } else {
+        refresh();
     }
 }
 

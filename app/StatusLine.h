@@ -45,6 +45,7 @@ public:
 
 private:
     void look();
+    void tellOfWaiting();
     std::function<std::string()> question() const;
     void show(const QString& text);
 

@@ -30,8 +30,12 @@ struct Lookup::Inquiry {
     // Asks, and hands the answer to the main thread before it says that it is there.
     static void run(const std::shared_ptr<Inquiry>& self) {
         const bool isThere = sheltered("lookup", [&] {
-            self->text = self->question();
-            self->queue([self] { self->give(); });
+            std::function<void()> give;
+            whenThereIsMemory([&] {
+                give = [self] { self->give(); };
+                self->text = self->question();
+            });
+            self->queue(std::move(give));
         });
         if (!isThere) {
             self->isWanted = false;
@@ -77,6 +81,10 @@ bool Lookup::ask(Question question, Answer answer, std::chrono::milliseconds pat
         m_mainThread.run([inquiry] { inquiry->give(); });
     }
     return true;
+}
+
+bool Lookup::isWaiting() const {
+    return m_last && m_last->isWanted;
 }
 
 bool Lookup::waitFor(Inquiry& inquiry, std::chrono::milliseconds patience) {

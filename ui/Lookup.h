@@ -13,7 +13,8 @@ namespace flashwriter {
 // user in a directory that does not respond. Nobody waits for them longer than they want to.
 class Lookup {
 public:
-    using Question = std::function<std::string()>;          // asked on a thread of its own
+    // Asked on a thread of its own, and asked again when there was no memory.
+    using Question = std::function<std::string()>;
     using Answer = std::function<void(const std::string&)>; // given on the main thread
 
     // The queue is borrowed.
@@ -31,6 +32,10 @@ public:
     // time.
     bool ask(Question question, Answer answer,
              std::chrono::milliseconds patience = std::chrono::milliseconds(0));
+
+    // Whether there is still to be an answer to the last question. There is none any more, though
+    // nobody has been told, when the thread that asked has failed for want of memory.
+    bool isWaiting() const;
 
     // The last question needs no answer any more.
     void forget();

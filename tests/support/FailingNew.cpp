@@ -1,5 +1,6 @@
 #include "tests/support/FailingNew.h"
 
+#include <atomic>
 #include <cstddef>
 #include <new>
 
@@ -10,7 +11,21 @@ namespace {
 thread_local int allocationsToFailure = 0; // 0: none is to fail
 thread_local bool hasAllocationFailed = false;
 
+// Of the threads that are elsewhere.
+std::atomic<int> allocationsToFailures = 0; // from the first that fails on it is 0 or less
+std::atomic<int> failuresLeft = 0;
+std::atomic<bool> hasOneFailed = false;
+thread_local bool isElsewhere = true;
+
+void countAllocationElsewhere() {
+    if (isElsewhere && failuresLeft > 0 && --allocationsToFailures <= 0 && failuresLeft-- > 0) {
+        hasOneFailed = true;
+        throw std::bad_alloc();
+    }
+}
+
 void countAllocation() {
+    countAllocationElsewhere();
     if (allocationsToFailure > 0 && --allocationsToFailure == 0) {
         hasAllocationFailed = true;
         throw std::bad_alloc();
@@ -30,6 +45,22 @@ FailingNew::~FailingNew() {
 
 bool FailingNew::hasFailed() {
     return hasAllocationFailed;
+}
+
+FailingNewElsewhere::FailingNewElsewhere(int n, int failures) {
+    isElsewhere = false;
+    hasOneFailed = false;
+    allocationsToFailures = n;
+    failuresLeft = failures;
+}
+
+FailingNewElsewhere::~FailingNewElsewhere() {
+    failuresLeft = 0;
+    isElsewhere = true;
+}
+
+bool FailingNewElsewhere::hasFailed() {
+    return hasOneFailed;
 }
 
 } // namespace flashwriter::testing

@@ -15,4 +15,17 @@ public:
     static bool hasFailed(); // since one was made last
 };
 
+// Likewise of the other threads, which are counted as one: whatever else runs in the program must
+// do without memory, or stand it. One at a time, made and destroyed on the same thread.
+class FailingNewElsewhere {
+public:
+    // So many fail, one after the other; after that there is memory again.
+    explicit FailingNewElsewhere(int n, int failures = 1);
+    ~FailingNewElsewhere();
+    FailingNewElsewhere(const FailingNewElsewhere&) = delete;
+    FailingNewElsewhere& operator=(const FailingNewElsewhere&) = delete;
+
+    static bool hasFailed(); // since one was made last, once at least
+};
+
 } // namespace flashwriter::testing

@@ -3,39 +3,17 @@
 #include "tests/sequence/DiagnosticLines.h"
 #include "tests/support/FailingThread.h"
 #include "tests/support/ImageFile.h"
-#include "tests/support/PseudoTerminal.h"
+#include "tests/ui/app/StatusFixture.h"
 
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QTest>
-
-#include <memory>
 
 namespace flashwriter::testing {
 
 namespace {
 
-const QString NO_SPEED = "No speed is chosen: choose 115,200 or 500,000 bps from the list; typed "
-                         "text does not count.";
 const QString NO_IMAGE = "No image is chosen: press Select, or drop a .bin or .mot file onto its "
                          "field.";
-
-// A line for a form with a port that no other program holds.
-struct StatusFixture {
-    StatusFixture() {
-        line = std::make_unique<StatusLine>(label, queue, [this] {
-            ++looks;
-            return entries;
-        });
-    }
-
-    QLabel label;
-    MainThreadQueue queue;
-    PseudoTerminal terminal;
-    FormEntries entries{.port = terminal.portPath(), .isSpeedChosen = false, .file = ""};
-    int looks = 0; // how often the form has been asked
-    std::unique_ptr<StatusLine> line;
-};
 
 } // namespace
 
@@ -140,8 +118,7 @@ void StatusLineTest::goesOnWithoutAThread() {
     QVERIFY(hasFailed);
     QVERIFY(DiagnosticLines::all()[0].starts_with("lookup: "));
     QVERIFY(form.label.text().isEmpty());
-    form.line->refresh();
-    QTRY_COMPARE(form.label.text(), NO_SPEED);
+    QTRY_COMPARE(form.label.text(), NO_SPEED); // it looks again by itself
 }
 
 } // namespace flashwriter::testing

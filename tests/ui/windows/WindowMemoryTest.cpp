@@ -40,6 +40,7 @@ private slots:
     void losesNoTask();
     void losesNoTaskBehindOneThatFails();
     void losesNoResult();
+    void losesNoAdvice();
 };
 
 // The task's own memory is taken before, by whoever makes it.
@@ -84,6 +85,21 @@ void WindowMemoryTest::losesNoResult() {
         QTRY_VERIFY((message = progress.result().resultWindow().findChild<QLabel*>(
                          "resultMessage")) != nullptr &&
                     message->text().contains("ERROR:"));
+    }
+}
+
+// The thread that looks for it is the one without memory.
+void WindowMemoryTest::losesNoAdvice() {
+    bool hasFailed = true;
+    for (int n = 1; hasFailed; ++n) {
+        const MainThreadQueue queue;
+        ProgressWindowController progress(queue);
+        const FailingNewElsewhere failing(n);
+        setResult(progress, failure(RESULT_FILE_NOT_FOUND, 0));
+        const auto* advice = progress.result().resultWindow().findChild<QLabel*>("resultAdvice");
+        QTRY_VERIFY2(advice->text().startsWith("No such file: "), qPrintable(advice->text()));
+        hasFailed = FailingNewElsewhere::hasFailed();
+        QVERIFY(n > 5 || hasFailed);
     }
 }
 
