@@ -26,6 +26,12 @@ std::uint64_t codeSize(const std::string& path, const FileFacts& file, ResultCod
     return image.MotFileSize(path) == RESULT_OK ? image.GetProgramMemorySize() : 0;
 }
 
+// Likewise.
+int readErrorOf(const std::string& path, const FileFacts& file, ResultCode result) {
+    const bool isNeeded = result == RESULT_FILE_READ_FAILED && file.state == FileState::Readable;
+    return isNeeded ? readError(path) : 0;
+}
+
 } // namespace
 
 FailureFacts failureFacts(const _CONTEXTINFO& context) {
@@ -33,7 +39,9 @@ FailureFacts failureFacts(const _CONTEXTINFO& context) {
     facts.speedIndex = context.BaudRate;
     facts.filePath = context.TargetFileInfo.FilePath;
     facts.file = fileFacts(facts.filePath);
-    facts.codeSize = codeSize(facts.filePath, facts.file, context.pResultInfo->Result);
+    const ResultCode result = context.pResultInfo->Result;
+    facts.readError = readErrorOf(facts.filePath, facts.file, result);
+    facts.codeSize = codeSize(facts.filePath, facts.file, result);
     facts.codeFlashSize = codeFlashSize(context.SiliconSignature);
     return facts;
 }

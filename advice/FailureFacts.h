@@ -20,6 +20,7 @@ struct FailureFacts {
 
     std::string filePath;
     FileFacts file;
+    int readError = 0;               // errno of reading the file, for who could not; 0: none now
     std::uint64_t codeSize = 0;      // bytes of the image that belong into code flash; 0: not known
     std::uint64_t codeFlashSize = 0; // bytes, as the board has told; 0: it has not
 };

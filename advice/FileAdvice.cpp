@@ -1,5 +1,6 @@
 #include "advice/AdviceParts.h"
 
+#include <cerrno>
 #include <cstring>
 
 namespace flashwriter {
@@ -8,14 +9,26 @@ namespace {
 
 constexpr std::uint64_t LARGEST_RAW_IMAGE = 262144;
 
+std::string diskAdvice(const FailureFacts& facts, int error) {
+    return facts.filePath + " could not be read to its end: " + std::strerror(error) +
+           ". Its disk may be failing: put the image on another disk, or build it again there.";
+}
+
+std::string refusedFileAdvice(const FailureFacts& facts) {
+    if (facts.file.error == EIO) {
+        return diskAdvice(facts, EIO);
+    }
+    return facts.filePath + " may not be read: " + std::strerror(facts.file.error) +
+           ". Check its permissions.";
+}
+
 // Why a file could not be read; empty when it can be, now.
 std::string unreadableAdvice(const FailureFacts& facts) {
     switch (facts.file.state) {
     case FileState::Missing:
         return "No such file: " + facts.filePath + ". Check the path.";
     case FileState::NotReadable:
-        return facts.filePath + " may not be read: " + std::strerror(facts.file.error) +
-               ". Check its permissions.";
+        return refusedFileAdvice(facts);
     case FileState::Directory:
         return facts.filePath + " is a directory: name the image in it.";
     case FileState::NotRegular:
@@ -62,9 +75,13 @@ std::string sizeAdvice(const FailureFacts& facts) {
 }
 
 std::string readAdvice(const FailureFacts& facts) {
+    if (facts.readError != 0) {
+        return diskAdvice(facts, facts.readError);
+    }
     if (facts.file.kind == ImageKind::Mot) {
         return facts.filePath + " could not be read as text: an S-record file is plain text, and "
-                                "its images must fit into memory. Build it again.";
+                                "its images must fit into memory. Build it again, on another disk "
+                                "if that does not help.";
     }
     return facts.filePath +
            " could not be read to its end: copy it to another disk and write that.";

@@ -110,3 +110,19 @@ function(flashwriter_qt_test name)
       "TSAN_OPTIONS=string_append::suppressions='${suppressions}'")
   endif()
 endfunction()
+
+# flashwriter_preload(<name> <file>)
+# A library <name>.so for LD_PRELOAD. Never sanitized, for it has to fit any program.
+function(flashwriter_preload name file)
+  add_library(${name} SHARED ${file})
+  target_include_directories(${name} PRIVATE "${FlashWriter_SOURCE_DIR}")
+  target_compile_features(${name} PRIVATE cxx_std_20)
+  target_compile_options(${name} PRIVATE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -fno-exceptions -fno-rtti)
+  if(FLASHWRITER_WARNINGS_AS_ERRORS)
+    target_compile_options(${name} PRIVATE -Werror)
+  endif()
+  target_link_libraries(${name} PRIVATE ${CMAKE_DL_LIBS})
+  set_target_properties(${name} PROPERTIES PREFIX "" CXX_EXTENSIONS OFF
+                        CXX_VISIBILITY_PRESET hidden)
+endfunction()

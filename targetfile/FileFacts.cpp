@@ -3,12 +3,16 @@
 #include "targetfile/FileReader.h"
 #include "targetfile/PathExtension.h"
 
+#include <array>
 #include <cerrno>
 #include <sys/stat.h>
 
 namespace flashwriter {
 
 namespace {
+
+// No image that can be written needs a longer file, unless most of it is comments.
+constexpr std::uint64_t MOST_READ = 64UL * 1024 * 1024;
 
 // The state that belongs to an errno value of looking at a path or of opening it.
 FileState stateOfError(int error) {
@@ -52,6 +56,21 @@ FileFacts fileFacts(const std::string& path) {
         facts.error = reader.error();
     }
     return facts;
+}
+
+int readError(const std::string& path) {
+    const FileReader file(path);
+    std::array<std::uint8_t, 16384> piece{};
+    for (std::uint64_t offset = 0; offset < MOST_READ; offset += piece.size()) {
+        const std::int64_t count = file.readAt(offset, piece.data(), piece.size());
+        if (count < 0) {
+            return file.isOpen() ? errno : file.error();
+        }
+        if (count < static_cast<std::int64_t>(piece.size())) {
+            break;
+        }
+    }
+    return 0;
 }
 
 } // namespace flashwriter

@@ -32,4 +32,8 @@ struct FileFacts {
 // call.
 FileFacts fileFacts(const std::string& path);
 
+// Reads the file at path, of a very large one only the beginning, and tells with which errno value
+// that fails; 0 when it does not, now. Takes as long as a disk takes that fails.
+int readError(const std::string& path);
+
 } // namespace flashwriter

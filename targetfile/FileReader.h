@@ -28,7 +28,7 @@ public:
 
     // Reads size bytes from offset (in bytes from the file's beginning) into buffer, which the
     // caller owns. Returns how many there were, fewer than size only at the file's end; -1 when the
-    // file is not open or the system reports an error.
+    // file is not open or the system reports an error, which is in errno then.
     std::int64_t readAt(std::uint64_t offset, std::uint8_t* buffer, std::size_t size) const;
 
 private:

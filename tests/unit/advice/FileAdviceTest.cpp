@@ -63,6 +63,20 @@ TEST(FileAdvice, TextWithoutRecordsIsNoSRecordFile) {
                 HasSubstr("image.bin could not be read to its end: "));
 }
 
+TEST(FileAdvice, AFailingDiskIsNamed) {
+    for (FailureFacts facts : {goodFacts(), motFacts()}) {
+        const std::string expected =
+            facts.filePath + " could not be read to its end: Input/output error. Its disk may be "
+                             "failing: put the image on another disk, or build it again there.";
+        facts.readError = EIO;
+        EXPECT_EQ(advice(RESULT_FILE_READ_FAILED, facts), expected);
+        facts.readError = 0;
+        facts.file.state = FileState::NotReadable;
+        facts.file.error = EIO;
+        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts), expected);
+    }
+}
+
 TEST(FileAdvice, WrongSizesAreTold) {
     FailureFacts facts = goodFacts();
     facts.file.size = 0;
