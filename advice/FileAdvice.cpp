@@ -18,6 +18,11 @@ std::string refusedFileAdvice(const FailureFacts& facts) {
     if (facts.file.error == EIO) {
         return diskAdvice(facts, EIO);
     }
+    if (facts.file.error == ELOOP) {
+        return facts.filePath + " leads nowhere: a link on the way leads back to itself, or there "
+                                "are too many of them. Name the image itself, or make the link "
+                                "again.";
+    }
     return facts.filePath + " may not be read: " + std::strerror(facts.file.error) +
            ". Check its permissions.";
 }

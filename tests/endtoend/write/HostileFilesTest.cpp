@@ -37,14 +37,14 @@ protected:
 
     std::string in(const std::string& name) const { return m_directory + "/" + name; }
 
-    // Returns what the command says.
-    std::string expectRefusal(const std::string& path, const std::string& code) {
+    void expectRefusal(const std::string& path, const std::string& code,
+                       const std::string& advice = "") {
         SCOPED_TRACE(path);
         ChildProcess program(flashwrite("500000", path));
         EXPECT_EQ(program.wait(std::chrono::minutes(4)), 1);
         EXPECT_THAT(program.output(), HasSubstr(code));
+        EXPECT_THAT(program.output(), HasSubstr(advice));
         EXPECT_TRUE(m_board.codeFlash() == m_before);
-        return program.output();
     }
 
     std::string m_directory = ::testing::TempDir() + "hostile-XXXXXX";
@@ -63,7 +63,8 @@ TEST_F(HostileFiles, ThatAreNone) {
             expectRefusal(in(name + kind), READ_FAILED);
         }
         std::filesystem::create_symlink(in("loop" + kind), in("loop" + kind));
-        expectRefusal(in("loop" + kind), kind == ".bin" ? NOT_FOUND : READ_FAILED);
+        expectRefusal(in("loop" + kind), kind == ".bin" ? NOT_FOUND : READ_FAILED,
+                      "leads back to itself");
         std::filesystem::create_symlink(in("nothing"), in("dangling" + kind));
         expectRefusal(in("dangling" + kind), kind == ".bin" ? NOT_FOUND : READ_FAILED);
     }
@@ -104,9 +105,9 @@ TEST_F(HostileFiles, OfManyGigabytes) {
 TEST_F(HostileFiles, ThatWereBuiltForAnotherDevice) {
     const std::string path = in("other.mot");
     std::ofstream(path) << "S30D080000000001020304050607CE\n";
-    EXPECT_THAT(expectRefusal(path, "ERROR:0x00003005\n"),
-                HasSubstr(path + " has S-records that reach into data flash (0xF1000 and above), "
-                                 "which is never written: leave them out when building it."));
+    expectRefusal(path, "ERROR:0x00003005\n",
+                  path + " has S-records that reach into data flash (0xF1000 and above), "
+                         "which is never written: leave them out when building it.");
 }
 
 TEST_F(HostileFiles, ThatAreReplacedAllTheTime) {

@@ -36,6 +36,17 @@ TEST(FileAdvice, WhatStandsAtThePathComesFirst) {
     }
 }
 
+TEST(FileAdvice, ALoopOfLinksIsToldFromARefusal) {
+    FailureFacts facts = goodFacts();
+    facts.file.state = FileState::NotReadable;
+    facts.file.error = ELOOP;
+    for (const ResultCode code : {RESULT_FILE_NOT_FOUND, RESULT_FILE_READ_FAILED}) {
+        EXPECT_EQ(advice(code, facts),
+                  "image.bin leads nowhere: a link on the way leads back to itself, or there are "
+                  "too many of them. Name the image itself, or make the link again.");
+    }
+}
+
 TEST(FileAdvice, AFileThatIsThereNowWasNotThen) {
     EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, goodFacts()),
               "image.bin was not as it is now when it was to be read: write again.");
