@@ -4,7 +4,6 @@
 // the list, one entry on a line. "@" in it stands for the folder with the target's files.
 #include "tests/fuzz/Require.h"
 #include "tests/fuzz/ScratchFolder.h"
-#include "tests/fuzz/Toolkit.h"
 #include "tests/ui/windows/Drags.h"
 #include "ui/NSFileDropTextField.h"
 
@@ -119,11 +118,6 @@ void drag(char course, const QMimeData& dragging) {
 
 } // namespace
 } // namespace flashwriter::fuzz
-
-extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
-    flashwriter::fuzz::startToolkit(*count, *arguments);
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     using namespace flashwriter::fuzz;

@@ -2,7 +2,6 @@
 //
 // Input: the pieces' texts, as UTF-8; from the end of it, switches and size of each.
 #include "tests/fuzz/Require.h"
-#include "tests/fuzz/Toolkit.h"
 #include "ui/LogText.h"
 
 #include <QTextCursor>
@@ -80,11 +79,6 @@ void run(FuzzedDataProvider& input) {
 
 } // namespace
 } // namespace flashwriter::fuzz
-
-extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
-    flashwriter::fuzz::startToolkit(*count, *arguments);
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider input(bytes, size);
