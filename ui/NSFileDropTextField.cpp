@@ -26,9 +26,15 @@ bool isOfThisMachine(const QUrl& url) {
            url.host().compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
 }
 
+// What stands in a text for bytes that are none may lead to another file.
+bool isLossless(const QString& path, const QUrl& url) {
+    return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()) == path.toUtf8();
+}
+
 QString pathOf(const QUrl& url) {
-    return url.scheme() == "file" && isOfThisMachine(url) ? url.path(QUrl::FullyDecoded)
-                                                          : url.toString();
+    const QString path = url.path(QUrl::FullyDecoded);
+    const bool isPath = url.scheme() == "file" && isOfThisMachine(url) && isLossless(path, url);
+    return isPath ? path : url.toString();
 }
 
 // What is copied from a terminal brings a line end, and from a file manager an address.

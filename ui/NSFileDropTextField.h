@@ -16,8 +16,8 @@ class NSFileDropTextField : public QLineEdit {
 public:
     explicit NSFileDropTextField(QWidget* parent = nullptr);
 
-    // The dropped paths in the order given. What is not a file of this machine is in the list as
-    // its address, at which no file stands.
+    // The dropped paths in the order given. What is not a file of this machine, or has a name that
+    // is not UTF-8, is in the list as its address, at which no file stands.
     static QStringList fileListInDraggingInfo(const QMimeData& dragging);
 
     // Whether a drag is one thing that is there and no directory.
