@@ -51,8 +51,10 @@ protected:
     void fillLog() {
         m_hands->click("monitorOpenButton");
         m_hands->waitText("logDispTextView", "All work.\n(.|\n)*All work.\n");
+        const auto start = std::chrono::steady_clock::now();
         while (m_hands->text("logDispTextView").size() < LOG_LIMIT) {
             ASSERT_LT(m_hands->alive(), 500ms);
+            ASSERT_LT(std::chrono::steady_clock::now() - start, 60s) << "it does not fill";
         }
     }
 
