@@ -19,6 +19,9 @@ std::string portAdvice(ResultCode result, const FailureFacts& facts);
 // 0x2xxx: the exchange with the board went wrong. last is the exchange that did.
 std::string targetAdvice(ResultCode result, const _COMMANDINFO& last, const FailureFacts& facts);
 
+// Those of them whose advice needs no facts: what is wrong is not the port or who else uses it.
+std::string plainAdvice(ResultCode result, const _COMMANDINFO& last);
+
 // 0x3xxx: the image file, or what is in it.
 std::string fileAdvice(ResultCode result, const FailureFacts& facts);
 

@@ -14,4 +14,8 @@ std::string failureAdvice(const _RESULTINFO& result, const FailureFacts& facts) 
                               fileAdvice(result.Result, facts), unknownAdvice(result.Result)}));
 }
 
+std::string failureAdvice(const _RESULTINFO& result) {
+    return printable(plainAdvice(result.Result, result.ComInfo));
+}
+
 } // namespace flashwriter

@@ -12,4 +12,8 @@ namespace flashwriter {
 // ASCII. Empty for RESULT_OK.
 std::string failureAdvice(const _RESULTINFO& result, const FailureFacts& facts);
 
+// The same without facts, for as long as there are none, or where none can be had: empty when the
+// cause would have to be looked for.
+std::string failureAdvice(const _RESULTINFO& result);
+
 } // namespace flashwriter

@@ -26,9 +26,6 @@ std::string speedTextAdvice(const std::string& speedText) {
 }
 
 std::string speedAdvice(const std::string& speedText, const FailureFacts& facts) {
-    if (!monitorSpeed(speedText)) {
-        return speedTextAdvice(speedText);
-    }
     return firstOf({noPortAdvice(facts),
                     facts.portPath + " cannot be set to " + speedText +
                         " bits per second: choose another speed, such as 115200 or 9600."});
@@ -41,11 +38,9 @@ std::string linesAdvice(const FailureFacts& facts) {
                                      "it in again."});
 }
 
-std::string adviceFor(ResultCode result, const std::string& speedText, const FailureFacts& facts) {
+// What needs no facts.
+std::string plainMonitorAdvice(ResultCode result, const std::string& speedText) {
     switch (result) {
-    case RESULT_PORT_NOT_SELECTED:
-    case RESULT_PORT_OPEN_ERROR:
-        return portAdvice(result, facts);
     case RESULT_MONITOR_TIMER_FAILED:
         return std::string("The timer that fetches what the board sends could not be started: "
                            "close other programs and ") +
@@ -54,6 +49,19 @@ std::string adviceFor(ResultCode result, const std::string& speedText, const Fai
         return std::string("There was not enough memory, or no thread, for the monitor: close "
                            "other programs and ") +
                OPEN_AGAIN + ".";
+    case RESULT_BAUD_RATE_CHANGE_FAILED:
+        return monitorSpeed(speedText) ? "" : speedTextAdvice(speedText);
+    default:
+        return "";
+    }
+}
+
+std::string portAdviceFor(ResultCode result, const std::string& speedText,
+                          const FailureFacts& facts) {
+    switch (result) {
+    case RESULT_PORT_NOT_SELECTED:
+    case RESULT_PORT_OPEN_ERROR:
+        return portAdvice(result, facts);
     case RESULT_PARAMETER_ERROR:
         return isTooLong(facts.portPath) ? longPathAdvice("port", facts.portPath)
                                          : unknownAdvice(result);
@@ -70,7 +78,15 @@ std::string adviceFor(ResultCode result, const std::string& speedText, const Fai
 
 std::string monitorAdvice(ResultCode result, const std::string& speedText,
                           const FailureFacts& facts) {
-    return result == RESULT_OK ? "" : printable(adviceFor(result, speedText, facts));
+    if (result == RESULT_OK) {
+        return "";
+    }
+    const std::string plain = plainMonitorAdvice(result, speedText);
+    return printable(plain.empty() ? portAdviceFor(result, speedText, facts) : plain);
+}
+
+std::string monitorAdvice(ResultCode result, const std::string& speedText) {
+    return printable(plainMonitorAdvice(result, speedText));
 }
 
 std::string openMonitorAdvice(const std::string& portPath) {

@@ -12,6 +12,10 @@ namespace flashwriter {
 std::string monitorAdvice(ResultCode result, const std::string& speedText,
                           const FailureFacts& facts);
 
+// The same without facts, for as long as there are none, or where none can be had: empty when the
+// cause would have to be looked for.
+std::string monitorAdvice(ResultCode result, const std::string& speedText);
+
 // What to say while the monitor is open on this port (UTF-8) and the port has gone; empty while it
 // is there. Looks at the port without opening it.
 std::string openMonitorAdvice(const std::string& portPath);

@@ -95,29 +95,6 @@ std::string dataRefusedAdvice(const _COMMANDINFO& last) {
            "flash may be worn out.";
 }
 
-// Failures that have nothing to do with who else uses the port.
-std::string ownAdvice(ResultCode result, const _COMMANDINFO& last) {
-    switch (result) {
-    case RESULT_INIT_FAILED:
-        return "There was not enough memory, or no thread, for the write: close other programs and "
-               "write again.";
-    case RESULT_PARAMETER_ERROR:
-        return std::string("The program asked the board wrongly to ") + request(last.Command) +
-               ": this is a fault in the program; please report it.";
-    case RESULT_COMMAND_FRAME_ABORT:
-        return refusedAdvice(last);
-    case RESULT_DATA_FRAME_ABORT:
-        return dataRefusedAdvice(last);
-    case RESULT_NOT_BLANK:
-        return "A block of the board's flash is not blank: write again, which erases it.";
-    case RESULT_CHECKSUM_MISMATCH:
-        return "The image is written, but the board computes another checksum than the image has: "
-               "write again; if it stays so, check the board's power and the cable.";
-    default:
-        return "";
-    }
-}
-
 std::string lineAdvice(ResultCode result, const _COMMANDINFO& last, const FailureFacts& facts) {
     switch (result) {
     case RESULT_FRAME_FORMAT_ERROR:
@@ -144,8 +121,30 @@ std::string lineAdvice(ResultCode result, const _COMMANDINFO& last, const Failur
 
 } // namespace
 
+std::string plainAdvice(ResultCode result, const _COMMANDINFO& last) {
+    switch (result) {
+    case RESULT_INIT_FAILED:
+        return "There was not enough memory, or no thread, for the write: close other programs and "
+               "write again.";
+    case RESULT_PARAMETER_ERROR:
+        return std::string("The program asked the board wrongly to ") + request(last.Command) +
+               ": this is a fault in the program; please report it.";
+    case RESULT_COMMAND_FRAME_ABORT:
+        return refusedAdvice(last);
+    case RESULT_DATA_FRAME_ABORT:
+        return dataRefusedAdvice(last);
+    case RESULT_NOT_BLANK:
+        return "A block of the board's flash is not blank: write again, which erases it.";
+    case RESULT_CHECKSUM_MISMATCH:
+        return "The image is written, but the board computes another checksum than the image has: "
+               "write again; if it stays so, check the board's power and the cable.";
+    default:
+        return "";
+    }
+}
+
 std::string targetAdvice(ResultCode result, const _COMMANDINFO& last, const FailureFacts& facts) {
-    const std::string own = ownAdvice(result, last);
+    const std::string own = plainAdvice(result, last);
     const std::string line = lineAdvice(result, last, facts);
     const std::string trouble = line.empty() ? "" : portTrouble(facts);
     return trouble.empty() ? own + line : trouble;

@@ -159,9 +159,12 @@ void AppDelegate::showMonitorError(ResultCode result) {
     ResultWindowController controller(m_mainThread);
     controller.setResult(context);
     Lookup lookup(m_mainThread); // ends before the window that it advises
-    lookup.ask([=] { return monitorAdvice(result, speed, portFailureFacts(port)); },
-               [&controller](const std::string& advice) { controller.setAdvice(advice); },
-               ADVICE_PATIENCE);
+    sheltered("advice", [&] {
+        controller.setAdvice(monitorAdvice(result, speed)); // it stays where no look-up can be had
+        lookup.ask([=] { return monitorAdvice(result, speed, portFailureFacts(port)); },
+                   [&controller](const std::string& advice) { controller.setAdvice(advice); },
+                   ADVICE_PATIENCE);
+    });
     controller.runModal(window);
 }
 

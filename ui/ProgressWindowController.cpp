@@ -84,7 +84,7 @@ void ProgressWindowController::showHint(const char* text) {
     }
 }
 
-// A failure's advice is looked up before the window appears, if that goes quickly; a file on a disk
+// A failure's advice is completed before the window appears, if that goes quickly; a file on a disk
 // that has gone must not keep the result from the person.
 std::uint64_t ProgressWindowController::setResult(_CONTEXTINFO context) {
     m_adviceLookup.forget(); // what is still on its way belongs to an earlier write
@@ -93,8 +93,8 @@ std::uint64_t ProgressWindowController::setResult(_CONTEXTINFO context) {
 }
 
 void ProgressWindowController::askForAdvice(_CONTEXTINFO context) {
-    m_resultWindow.setAdvice("");
     _RESULTINFO result = *context.pResultInfo;
+    m_resultWindow.setAdvice(failureAdvice(result)); // where nothing can be looked up, it stays
     if (result.Result == RESULT_OK) {
         return;
     }

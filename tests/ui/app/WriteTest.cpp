@@ -260,6 +260,7 @@ void WriteTest::failsWithoutAThread() {
     QTRY_VERIFY(!main.window.isSheetUp());
     QCOMPARE(answer.messages.size(), 1);
     QVERIFY(answer.messages[0].contains("ERROR:0x00002000\n"));
+    QVERIFY2(answer.advice[0].contains("thread"), qPrintable(answer.advice[0]));
     QVERIFY(main.log().isEmpty());
     QVERIFY(main.window.isMiniaturizeEnabled());
     QVERIFY(main.write());

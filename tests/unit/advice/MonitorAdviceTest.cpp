@@ -102,6 +102,19 @@ TEST(MonitorAdvice, EveryCodeHasASentenceOfItsOwn) {
     EXPECT_EQ(texts.size(), codes.size());
 }
 
+TEST(MonitorAdvice, WithoutFactsOnlyWhatNeedsNoneIsSaid) {
+    for (const ResultCode code : {RESULT_MONITOR_TIMER_FAILED, RESULT_INIT_FAILED}) {
+        EXPECT_EQ(monitorAdvice(code, "9600"), monitorAdvice(code, "9600", goodFacts()));
+        EXPECT_THAT(monitorAdvice(code, "9600"), HasSubstr("close other programs"));
+    }
+    EXPECT_EQ(monitorAdvice(RESULT_BAUD_RATE_CHANGE_FAILED, "fast"), speedAdvice("fast"));
+    for (const ResultCode code :
+         {RESULT_OK, RESULT_PORT_NOT_SELECTED, RESULT_PORT_OPEN_ERROR, RESULT_PARAMETER_ERROR,
+          RESULT_SEND_FAILED, RESULT_BAUD_RATE_CHANGE_FAILED, ResultCode{0x1003}}) {
+        EXPECT_EQ(monitorAdvice(code, "9600"), "") << code;
+    }
+}
+
 TEST(MonitorAdvice, UnknownCodesSendToTheDiagnostics) {
     EXPECT_THAT(monitorAdvice(0x1003, "9600", goodFacts()),
                 HasSubstr("Result 0x00001003 has no explanation here"));

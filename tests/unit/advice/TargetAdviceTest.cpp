@@ -128,6 +128,23 @@ TEST(TargetAdvice, EveryCodeHasASentenceOfItsOwn) {
     EXPECT_EQ(static_cast<int>(texts.size()), codes - 2);
 }
 
+// What needs no facts is the same whatever they are. Without them nothing else is claimed.
+TEST(TargetAdvice, WithoutFactsOnlyWhatNeedsNoneIsSaid) {
+    std::set<ResultCode> plain;
+    for (ResultCode code = RESULT_OK; code <= RESULT_DATA_FLASH_ADDRESS_ERROR; ++code) {
+        const _RESULTINFO result{code, exchange(COM_BLOCK_ERASE)};
+        const std::string text = failureAdvice(result);
+        if (!text.empty()) {
+            EXPECT_EQ(text, failureAdvice(result, goodFacts()));
+            EXPECT_EQ(text, failureAdvice(result, {}));
+            plain.insert(code);
+        }
+    }
+    EXPECT_THAT(plain, ::testing::ElementsAre(RESULT_INIT_FAILED, RESULT_PARAMETER_ERROR,
+                                              RESULT_COMMAND_FRAME_ABORT, RESULT_DATA_FRAME_ABORT,
+                                              RESULT_NOT_BLANK, RESULT_CHECKSUM_MISMATCH));
+}
+
 TEST(TargetAdvice, UnknownCodesSendToTheDiagnostics) {
     for (const ResultCode code : {ResultCode{1}, ResultCode{0x1003}, ResultCode{0x200E},
                                   ResultCode{0x3008}, ~ResultCode{0}}) {
