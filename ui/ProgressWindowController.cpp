@@ -19,8 +19,13 @@ namespace {
 
 constexpr std::chrono::seconds STANDSTILL{2};
 const char* const CONNECTED = "Leave the board connected until the result appears.";
-const char* const WAITING = "Nothing has happened for a while: the board is silent, or its adapter "
-                            "does not take what was sent. Unplug the adapter to end the write.";
+const char* const WAITING_FOR_BOARD =
+    "Nothing has happened for a while: the board is silent, or its adapter does not take what was "
+    "sent. Unplug the adapter to end the write.";
+const char* const WAITING_FOR_FILE =
+    "Nothing has happened for a while: the system is still reading the image, and nothing is "
+    "written yet. If the image lies on a disk or network that has gone, bring that back to go on.";
+constexpr std::int32_t READING_FILE = 100; // see stageName()
 
 } // namespace
 
@@ -28,7 +33,8 @@ ProgressWindowController::ProgressWindowController(const MainThreadQueue& mainTh
     : m_mainThread(mainThread), m_resultWindow(mainThread), m_adviceLookup(mainThread) {
     m_standstill.setSingleShot(true);
     m_standstill.setInterval(STANDSTILL);
-    QObject::connect(&m_standstill, &QTimer::timeout, &m_standstill, [this] { showHint(WAITING); });
+    QObject::connect(&m_standstill, &QTimer::timeout, &m_standstill,
+                     [this] { sheltered("hint", [this] { showStandstill(); }); });
 }
 
 ProgressWindowController::~ProgressWindowController() {
@@ -43,7 +49,7 @@ void ProgressWindowController::beginSheet() {
     if (m_window.isNull()) {
         loadWindow();
     }
-    showProgress(QString(), 0);
+    showProgress(0, QString(), 0);
     if (!m_mainWindow.isNull()) {
         m_window->beginSheet(*m_mainWindow);
     }
@@ -63,11 +69,13 @@ void ProgressWindowController::loadWindow() {
 std::uint64_t ProgressWindowController::UpdateProgress(std::int32_t step,
                                                        std::int32_t andProgress) {
     const QString text = QString("%1 (%2 %)").arg(stageName(step)).arg(andProgress);
-    m_mainThread.run([this, text, andProgress] { showProgress(text, andProgress); });
+    m_mainThread.run([=, this] { showProgress(step, text, andProgress); });
     return 0;
 }
 
-void ProgressWindowController::showProgress(const QString& text, int percentage) {
+void ProgressWindowController::showProgress(std::int32_t step, const QString& text,
+                                            int percentage) {
+    m_step = step;
     if (!m_window.isNull()) {
         setAnnouncedText(*progressLabel, text);
         // A bar would stay where it is on a value beyond its ends.
@@ -76,6 +84,10 @@ void ProgressWindowController::showProgress(const QString& text, int percentage)
         showHint(CONNECTED);
         m_standstill.start();
     }
+}
+
+void ProgressWindowController::showStandstill() {
+    showHint(m_step == READING_FILE ? WAITING_FOR_FILE : WAITING_FOR_BOARD);
 }
 
 void ProgressWindowController::showHint(const char* text) {

@@ -48,7 +48,8 @@ public:
 private:
     void loadWindow();
     void askForAdvice(_CONTEXTINFO context);
-    void showProgress(const QString& text, int percentage);
+    void showProgress(std::int32_t step, const QString& text, int percentage);
+    void showStandstill();
     void showHint(const char* text);
     void windowWillClose(const QObject* notification);
 
@@ -61,6 +62,7 @@ private:
     QPointer<QLabel> progressLabel;
     QPointer<QProgressBar> progressBar;
     QPointer<QLabel> progressHint;
+    std::int32_t m_step = 0;
     QTimer m_standstill; // runs out when there is no progress for a while
 };
 

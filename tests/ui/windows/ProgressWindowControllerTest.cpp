@@ -25,6 +25,7 @@ private slots:
     void showsWhatIsBeyondAWhole();
     void showsAWorkersProgressInItsOrder();
     void beginsWithoutAWord();
+    void saysWhatItWaitsFor();
     void endsWithTheResultFirst();
     void endsWithoutAMainWindow();
     void endsWithoutASheet();
@@ -33,6 +34,7 @@ private slots:
 
 private:
     SheetWindow* sheet() { return m_main->findChild<SheetWindow*>(); }
+    QString hint() { return sheet()->findChild<QLabel*>("progressHint")->text(); }
     QString label() { return sheet()->findChild<QLabel*>("progressLabel")->text(); }
     QProgressBar* bar() { return sheet()->findChild<QProgressBar*>("progressBar"); }
     void write(const QString& message);
@@ -132,6 +134,18 @@ void ProgressWindowControllerTest::beginsWithoutAWord() {
     QCOMPARE(bar()->value(), 0);
     QCOMPARE(bar()->minimum(), 0);
     QCOMPARE(bar()->maximum(), 100);
+}
+
+// The board has no part in it while the image is read, and unplugging it would be no help.
+void ProgressWindowControllerTest::saysWhatItWaitsFor() {
+    m_controller->beginSheet();
+    for (const int step : {100, 103, 100}) {
+        m_controller->UpdateProgress(step, 5);
+        QVERIFY(!hint().contains("for a while"));
+        QTRY_VERIFY(hint().contains("for a while"));
+        QCOMPARE(hint().contains("adapter"), step != 100);
+        QCOMPARE(hint().contains("reading the image"), step == 100);
+    }
 }
 
 // Until the result is closed the sheet stays up and the main window cannot be minimised.
