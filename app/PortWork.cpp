@@ -53,7 +53,7 @@ void liveUntil(const std::future<void>& done, const std::function<void()>& whenH
     look.start(PAUSE_BETWEEN_LOOKS);
     QTimer held;
     held.setSingleShot(true);
-    QObject::connect(&held, &QTimer::timeout, &loop, whenHeld);
+    QObject::connect(&held, &QTimer::timeout, &loop, [&] { sheltered("held", whenHeld); });
     held.start(HELD - QUICK);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     done.wait(); // the program may be ending, which ends the loop too

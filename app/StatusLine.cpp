@@ -27,7 +27,8 @@ StatusLine::StatusLine(QLabel& label, const MainThreadQueue& mainThread,
                      [this] { sheltered("status", [this] { look(); }); });
     m_late.setSingleShot(true);
     m_late.setInterval(LATE);
-    QObject::connect(&m_late, &QTimer::timeout, &m_late, [this] { tellOfWaiting(); });
+    QObject::connect(&m_late, &QTimer::timeout, &m_late,
+                     [this] { sheltered("status", [this] { tellOfWaiting(); }); });
     m_devices.addPath("/dev");
     QObject::connect(&m_devices, &QFileSystemWatcher::directoryChanged, &m_soon,
                      [this] { refresh(); });

@@ -1,5 +1,6 @@
 #include "ui/NSFileDropWindow.h"
 
+#include "sequence/context/Shelter.h"
 #include "ui/ReturnKey.h"
 
 #include <QCloseEvent>
@@ -67,7 +68,10 @@ void NSFileDropWindow::closeEvent(QCloseEvent* event) {
 void NSFileDropWindow::holdClose(bool isHeld) {
     m_isCloseHeld = isHeld;
     if (!isHeld && m_isCloseDue) {
-        QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
+        const auto closeSoon = [this] {
+            QMetaObject::invokeMethod(this, "close", Qt::QueuedConnection);
+        };
+        sheltered("close", [&] { whenThereIsMemory(closeSoon); }); // or it is to be asked again
     }
 }
 
