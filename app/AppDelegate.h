@@ -95,6 +95,7 @@ public:
     const _CONTEXTINFO& contextInfo() const { return m_ContextInfo; }
 
 private:
+    void showAbout();
     void connectControls();
     void connectStatusLine(QLabel& label);
     void createMonitorPort();

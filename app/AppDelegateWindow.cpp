@@ -44,13 +44,6 @@ void prepareField(QComboBox& comboBox) {
     comboBox.lineEdit()->setAccessibleDescription(comboBox.accessibleDescription());
 }
 
-void showAbout(QWidget* window) {
-    QMessageBox::about(window, "About Flash Writer",
-                       QString("Flash Writer %1\n\nWrites firmware into a microcontroller board "
-                               "over a USB-serial adapter.")
-                           .arg(QCoreApplication::applicationVersion()));
-}
-
 } // namespace
 
 AppDelegate::AppDelegate(NSFileDropWindow& mainWindow)
@@ -76,7 +69,7 @@ AppDelegate::AppDelegate(NSFileDropWindow& mainWindow)
     QObject::connect(controls.quitAction, &QAction::triggered, &m_connections,
                      [this] { window->close(); });
     QObject::connect(controls.aboutAction, &QAction::triggered, &m_connections,
-                     [this] { showAbout(window); });
+                     [this] { sheltered("about", [this] { showAbout(); }); });
     connectControls();
     connectStatusLine(*controls.statusLabel);
 }
@@ -86,9 +79,19 @@ AppDelegate::~AppDelegate() {
 }
 
 // A window over the main one keeps mouse and keys from it, but not a screen reader's presses. Nor
-// does a port that is being waited for.
+// does a port that is being waited for, and a window that opened then would keep that from its end.
 bool AppDelegate::isBlocked() const {
     return QApplication::activeModalWidget() != nullptr || m_portWork.isBusy();
+}
+
+void AppDelegate::showAbout() {
+    if (isBlocked()) {
+        return;
+    }
+    QMessageBox::about(window, "About Flash Writer",
+                       QString("Flash Writer %1\n\nWrites firmware into a microcontroller board "
+                               "over a USB-serial adapter.")
+                           .arg(QCoreApplication::applicationVersion()));
 }
 
 void AppDelegate::connectControls() {

@@ -1,7 +1,10 @@
-// While the system takes its time with the port the window lives.
+// While the system takes its time with the port the window lives, and nothing begins in it.
 #include "app/PortWork.h"
-#include "ui/NSFileDropWindow.h"
+#include "board/VirtualBoard.h"
+#include "tests/ui/app/MainWindowFixture.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QTest>
 #include <QTimer>
 
@@ -15,6 +18,24 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// Closes the windows that have come up over the main one, one at each interval, and counts them.
+class WindowCount {
+public:
+    explicit WindowCount(std::chrono::milliseconds interval) {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            if (QWidget* over = QApplication::activeModalWidget()) {
+                ++windows;
+                over->close();
+            }
+        });
+        m_timer.start(interval);
+    }
+    int windows = 0;
+
+private:
+    QTimer m_timer;
+};
+
 } // namespace
 
 class BusyPortTest : public QObject {
@@ -22,6 +43,8 @@ class BusyPortTest : public QObject {
 
 private slots:
     void livesWhenItCannotSayWhatItWaitsFor();
+    void opensNoWindowMeanwhile();
+    void opensNoWindowOverAnother();
 };
 
 void BusyPortTest::livesWhenItCannotSayWhatItWaitsFor() {
@@ -39,6 +62,40 @@ void BusyPortTest::livesWhenItCannotSayWhatItWaitsFor() {
     QVERIFY(isTold);
     QVERIFY2(looks > 5, qPrintable(QString::number(looks)));
     QVERIFY(!work.isBusy());
+}
+
+// A menu entry is chosen by a screen reader, or from a bar that the desktop shows elsewhere.
+void BusyPortTest::opensNoWindowMeanwhile() {
+    board::VirtualBoard board;
+    board::BoardOptions silent; // it is asked for a second and a half
+    silent.faults = {board::parseFault("silence")};
+    board.start(silent);
+    MainWindowFixture main;
+    main.choosePort(board.portPath());
+    main.window.show();
+    auto* about = main.window.findChild<QAction*>("aboutAction");
+    const WindowCount count(5ms);
+    QString status;
+    QTimer::singleShot(500ms, &main.window, [&] {
+        status = main.status.text();
+        about->trigger();
+    });
+    main.monitorButton.click();
+    QVERIFY(main.delegate.isMonitorOpen());
+    QCOMPARE(status, "Asking the board…");
+    QCOMPARE(count.windows, 0);
+    about->trigger();
+    QCOMPARE(count.windows, 1);
+}
+
+void BusyPortTest::opensNoWindowOverAnother() {
+    MainWindowFixture main;
+    main.window.show();
+    auto* about = main.window.findChild<QAction*>("aboutAction");
+    const WindowCount count(200ms);
+    QTimer::singleShot(0, &main.window, [&] { about->trigger(); });
+    about->trigger();
+    QCOMPARE(count.windows, 1);
 }
 
 } // namespace flashwriter::testing
