@@ -9,9 +9,18 @@
 #include "ui/NSNonMenuTextView.h"
 
 #include <QComboBox>
+#include <QFileInfo>
 #include <QTimer>
 
+#include <chrono>
+
 namespace flashwriter {
+
+namespace {
+
+constexpr std::chrono::milliseconds IMAGE_PATIENCE{300};
+
+} // namespace
 
 void AppDelegate::applicationDidFinishLaunching(const QObject* /*notification*/) {
     m_progressWindow = std::make_shared<ProgressWindowController>(m_mainThread);
@@ -59,7 +68,7 @@ void AppDelegate::pushSelect(const QObject* /*sender*/) {
     }
     window->repaint();
     ImageOpenPanel panel(window);
-    panel.startAt(filePathTextField->text());
+    startAtImage(panel);
     if (panel.exec() == QDialog::Rejected) {
         diagnosticLog("Cancel button was pressed.");
         return;
@@ -67,6 +76,21 @@ void AppDelegate::pushSelect(const QObject* /*sender*/) {
     const QUrl url = panel.selectedUrls().value(0);
     diagnosticLog("file opened '%s'", url.toEncoded().constData());
     filePathTextField->setText(url.toLocalFile());
+}
+
+// At the image of the field, where that is found soon: its disk may have gone, and another image is
+// to be chosen then.
+void AppDelegate::startAtImage(ImageOpenPanel& panel) {
+    const QString path = filePathTextField->text();
+    m_imageLookup.ask(
+        [path] { return QFileInfo(path).isFile() ? path.toStdString() : std::string(); },
+        [&panel](const std::string& file) {
+            if (!file.empty()) {
+                panel.startAt(QString::fromStdString(file));
+            }
+        },
+        IMAGE_PATIENCE);
+    m_imageLookup.forget(); // it would come in the middle of somebody's choosing
 }
 
 void AppDelegate::delegateAddLog(const std::string& text) {

@@ -7,6 +7,7 @@
 #include "sequence/NSSequenceProcessor.h"
 #include "sequence/NSSequenceProcessorForMot.h"
 #include "serial/NSSerialPortProcessor.h"
+#include "ui/Lookup.h"
 #include "ui/MainThreadQueue.h"
 #include "ui/ProgressWindowController.h"
 
@@ -27,6 +28,7 @@ class QTimer;
 
 namespace flashwriter {
 
+class ImageOpenPanel;
 class NSCommandProcessor;
 class NSFileDropTextField;
 class NSFileDropWindow;
@@ -100,6 +102,8 @@ private:
     void connectStatusLine(QLabel& label);
     void createMonitorPort();
 
+    void startAtImage(ImageOpenPanel& panel);
+
     bool isBlocked() const;
     bool isPortMissing() const; // neither a list nor a text
     void beginWrite();
@@ -136,6 +140,7 @@ private:
     bool m_isMotFile = false;           // of the write that goes on
     bool m_isOpening = false;           // the monitor
     MonitorText m_monitorText;
+    Lookup m_imageLookup{m_mainThread};
     std::unique_ptr<StatusLine> m_statusLine;
     PortWork m_portWork;
 

@@ -18,10 +18,8 @@ ImageOpenPanel::ImageOpenPanel(QWidget* parent) : QFileDialog(parent, "Select an
 
 void ImageOpenPanel::startAt(const QString& path) {
     const QFileInfo file(path);
-    if (file.isFile()) {
-        setDirectory(file.absolutePath());
-        selectFile(file.absoluteFilePath());
-    }
+    setDirectory(file.absolutePath());
+    selectFile(file.absoluteFilePath());
 }
 
 void ImageOpenPanel::accept() {

@@ -10,7 +10,8 @@ class ImageOpenPanel : public QFileDialog {
 public:
     explicit ImageOpenPanel(QWidget* parent = nullptr);
 
-    // Begins in the folder of this file, with it chosen, when there is such a file.
+    // Begins in the folder of this file, with it chosen. The file is there: the toolkit looks at it
+    // before it returns, however long the system takes.
     void startAt(const QString& path);
 
 protected:

@@ -48,6 +48,7 @@ protected:
                                "WINDOW_HANDS=" + besides("hands"),
                                "HELD_CALL=" + heldCall,
                                "HELD_WHILE=" + besides("held"),
+                               "HELD_FILE=" + m_file.path(),
                                "QT_QPA_PLATFORM=offscreen",
                                "QT_FORCE_STDERR_LOGGING=1"};
         options.errorFile = besides("errors");
@@ -156,6 +157,21 @@ TEST_F(HeldCalls, CloseOfAWrite) {
     m_hands->click("writeButton");
     m_hands->waitText("progressHint", hint);
     m_hands->waitText("resultMessage", ".");
+}
+
+// Of the image on a disk that has gone: another one can be chosen.
+TEST_F(HeldCalls, LookAtTheImage) {
+    start("look");
+    const Hold hold(besides("held"));
+    m_hands->waitText("statusLabel", "^Waiting for the system to tell of port and image");
+    m_hands->click("selectButton");
+    m_hands->waitText("fileNameEdit", "^$");
+    expectAlive();
+    m_hands->press("Escape");
+    m_hands->waitGone("fileNameEdit");
+    EXPECT_EQ(m_hands->text("filePathTextField"), m_file.path());
+    m_hands->close("window");
+    EXPECT_EQ(m_program->wait(), 0);
 }
 
 } // namespace

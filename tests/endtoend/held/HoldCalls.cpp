@@ -1,6 +1,7 @@
 // Holds a program's calls on a pseudo-terminal up, as drivers do whose device does not take what
-// was sent. Load it with LD_PRELOAD before lines-preload: the call that HELD_CALL names ("close",
-// "break" or "flush") returns only once there is no file HELD_WHILE, after half a minute at the
+// was sent, or its looks at a file, as a disk does that has gone. Load it with LD_PRELOAD before
+// lines-preload: the call that HELD_CALL names ("close", "break" or "flush", or "look" for those at
+// the file HELD_FILE) returns only once there is no file HELD_WHILE, after half a minute at the
 // latest.
 #include <dlfcn.h>
 #include <sys/ioctl.h>
@@ -26,16 +27,30 @@ bool isPort(int descriptor) {
            major(status.st_rdev) == PSEUDO_TERMINAL_MAJOR;
 }
 
-void hold(const char* call, int descriptor) {
-    const char* held = std::getenv("HELD_CALL");
+bool isSet(const char* variable, const char* value) {
+    const char* set = std::getenv(variable);
+    return set != nullptr && value != nullptr && std::strcmp(set, value) == 0;
+}
+
+void hold() {
     const char* file = std::getenv("HELD_WHILE");
+    for (int i = 0; i < LOOKS && file != nullptr && ::access(file, F_OK) == 0; ++i) {
+        ::usleep(PAUSE);
+    }
+}
+
+void hold(const char* call, int descriptor) {
     const int errnoBefore = errno;
-    if (held != nullptr && file != nullptr && std::strcmp(held, call) == 0 && isPort(descriptor)) {
-        for (int i = 0; i < LOOKS && ::access(file, F_OK) == 0; ++i) {
-            ::usleep(PAUSE);
-        }
+    if (isSet("HELD_CALL", call) && isPort(descriptor)) {
+        hold();
     }
     errno = errnoBefore;
+}
+
+void holdLook(const char* path) {
+    if (isSet("HELD_CALL", "look") && isSet("HELD_FILE", path)) {
+        hold();
+    }
 }
 
 template <class Function>
@@ -50,6 +65,19 @@ extern "C" {
 __attribute__((visibility("default"))) int close(int descriptor) {
     hold("close", descriptor);
     return next<int(int)>("close")(descriptor);
+}
+
+// What the toolkit looks at files with, and the standard library.
+__attribute__((visibility("default"))) int statx(int directory, const char* path, int flags,
+                                                 unsigned mask, struct statx* result) noexcept {
+    holdLook(path);
+    return next<int(int, const char*, int, unsigned, struct statx*)>("statx")(directory, path,
+                                                                              flags, mask, result);
+}
+
+__attribute__((visibility("default"))) int stat(const char* path, struct stat* result) noexcept {
+    holdLook(path);
+    return next<int(const char*, struct stat*)>("stat")(path, result);
 }
 
 __attribute__((visibility("default"))) int tcflush(int descriptor, int queue) noexcept {
