@@ -35,6 +35,9 @@ void NSFileDropWindow::setTrgetTextField(NSFileDropTextField* field) {
     m_trgetTextField = field;
 }
 
+// The field is enabled afterwards whatever it was before, so that a drag over it whose end got lost
+// on the way does not leave it disabled for good. While the monitor is open a path can be entered
+// from then on; that does no harm, as Write stays disabled and reads the field when it is pressed.
 DragOperation NSFileDropWindow::draggingEntered(const QMimeData& /*dragging*/) {
     if (!m_trgetTextField.isNull()) {
         const bool hadFocus = focusWidget() == m_trgetTextField; // disabling takes it away
