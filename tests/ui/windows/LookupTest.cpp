@@ -1,8 +1,10 @@
 #include "ui/Lookup.h"
+#include "tests/ui/windows/DiagnosticLines.h"
 
 #include <QTest>
 
 #include <future>
+#include <stdexcept>
 #include <string>
 
 namespace flashwriter::testing {
@@ -33,6 +35,7 @@ private slots:
     void givesALateAnswerWhenItComes();
     void givesNoAnswerThatIsForgotten();
     void givesTheAnswerToTheLastQuestionOnly();
+    void waitsForNoAnswerToAQuestionThatFails();
 
 private:
     MainThreadQueue m_queue;
@@ -79,6 +82,27 @@ void LookupTest::givesTheAnswerToTheLastQuestionOnly() {
     held.answer("first");
     QTest::qWait(100);
     QCOMPARE(given, std::string("second"));
+}
+
+// Neither who asked nor the next question is kept waiting.
+void LookupTest::waitsForNoAnswerToAQuestionThatFails() {
+    const DiagnosticLines log;
+    Lookup lookup(m_queue);
+    std::string given;
+    const auto note = [&](const std::string& text) { given += text; };
+    QVERIFY(!lookup.isWaiting());
+    QVERIFY(lookup.ask([]() -> std::string { throw std::runtime_error("no such user"); }, note));
+    QTRY_VERIFY(!lookup.isWaiting());
+    QVERIFY(
+        lookup.ask([]() -> std::string { throw std::runtime_error("no such user"); }, note, LONG));
+    QVERIFY(!lookup.isWaiting());
+    QCOMPARE(DiagnosticLines::take(), QStringList(2, "lookup: no such user"));
+    HeldQuestion held;
+    QVERIFY(lookup.ask(held.question(), note));
+    QVERIFY(lookup.isWaiting());
+    held.answer("there");
+    QTRY_COMPARE(given, std::string("there"));
+    QVERIFY(!lookup.isWaiting());
 }
 
 } // namespace flashwriter::testing
