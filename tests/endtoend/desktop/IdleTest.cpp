@@ -3,9 +3,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include <thread>
 
 namespace flashwriter::testing {
@@ -13,25 +10,11 @@ namespace {
 
 class DesktopIdle : public DesktopFixture {
 protected:
-    // Clock ticks, of which there are a hundred in a second, of all its threads.
-    long processorTime() {
-        std::ifstream file("/proc/" + std::to_string(m_program.process().pid()) + "/stat");
-        const std::string line(std::istreambuf_iterator<char>(file), {});
-        std::istringstream fields(line.substr(line.rfind(')') + 2));
-        std::string skipped;
-        for (int i = 0; i < 11; ++i) {
-            fields >> skipped;
-        }
-        long user = 0;
-        long system = 0;
-        fields >> user >> system;
-        return user + system;
-    }
     long processorTimeOfTwoIdleSeconds() {
         std::this_thread::sleep_for(std::chrono::seconds(1)); // the last of what was before
-        const long before = processorTime();
+        const long before = m_program.processorTime();
         std::this_thread::sleep_for(std::chrono::seconds(2));
-        return processorTime() - before;
+        return m_program.processorTime() - before;
     }
     std::vector<std::string> filesAtHome() {
         std::vector<std::string> files;

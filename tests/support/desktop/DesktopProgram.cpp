@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace flashwriter::testing {
@@ -28,6 +29,21 @@ ChildOptions starting(const std::string& program, const std::string& linesLibrar
     options.environment = {"LD_PRELOAD=" + linesLibrary, "HOME=" + home};
     options.errorFile = errorFile;
     return options;
+}
+
+// The times are the fields 14 and 15; the second, a name, may hold anything.
+long processorTimeIn(const std::string& statusFile) {
+    std::ifstream file(statusFile);
+    const std::string line(std::istreambuf_iterator<char>(file), {});
+    std::istringstream fields(line.substr(line.rfind(')') + 2));
+    std::string skipped;
+    for (int i = 0; i < 11; ++i) {
+        fields >> skipped;
+    }
+    long user = 0;
+    long system = 0;
+    fields >> user >> system;
+    return user + system;
 }
 
 // What a label shows is its description; an editable combo box has a field of its own in it.
@@ -67,6 +83,20 @@ DesktopProgram::~DesktopProgram() {
 std::string DesktopProgram::diagnostics() const {
     std::ifstream file(m_errorFile, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::string DesktopProgram::processDirectory() const {
+    return "/proc/" + std::to_string(m_process.pid());
+}
+
+long DesktopProgram::processorTime() const {
+    return processorTimeIn(processDirectory() + "/stat");
+}
+
+// The first thread goes by the number of the process.
+long DesktopProgram::windowProcessorTime() const {
+    return processorTimeIn(processDirectory() + "/task/" + std::to_string(m_process.pid()) +
+                           "/stat");
 }
 
 void DesktopProgram::clickOn(const std::string& name) const {

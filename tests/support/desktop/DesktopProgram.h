@@ -38,6 +38,11 @@ public:
     const ScreenReader& screen() const { return m_reader; }
     std::string diagnostics() const; // all of its standard error so far
 
+    // What it has taken of the processors so far, in clock ticks, of which there are a hundred in a
+    // second: all its threads, and the thread of its window.
+    long processorTime() const;
+    long windowProcessorTime() const;
+
     // The directory that the program takes for its user's. It was empty at the start.
     const std::string& home() const { return m_home; }
 
@@ -75,6 +80,7 @@ public:
     void minimiseByFrame() const;
 
 private:
+    std::string processDirectory() const;
     void clickFrame(int fromRight) const;
 
     std::string m_home;
