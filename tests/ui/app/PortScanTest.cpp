@@ -1,13 +1,12 @@
 #include "app/PortScan.h"
 
+#include "tests/support/FewDescriptors.h"
 #include "tests/ui/app/PortCommands.h"
 
 #include <QTest>
 
 #include <fcntl.h>
 #include <glob.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace flashwriter::testing {
 
@@ -35,24 +34,6 @@ QStringList portsOfThisMachine() {
     const QStringList links = entriesLike("/dev/cu.u*");
     return links.isEmpty() ? entriesLike("/dev/ttyACM*") + entriesLike("/dev/ttyUSB*") : links;
 }
-
-// Leaves the process no descriptor to open while it lives.
-class NoDescriptors {
-public:
-    NoDescriptors() {
-        ::getrlimit(RLIMIT_NOFILE, &m_before);
-        const int lowestFree = ::dup(0);
-        ::close(lowestFree);
-        const rlimit none{static_cast<rlim_t>(lowestFree), m_before.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoDescriptors() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
-    NoDescriptors(const NoDescriptors&) = delete;
-    NoDescriptors& operator=(const NoDescriptors&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 } // namespace
 
@@ -153,7 +134,7 @@ void PortScanTest::readsMoreThanAPipeHolds() {
 void PortScanTest::saysWhyAShellCouldNotBeStarted() {
     PortScan scan;
     {
-        const NoDescriptors noDescriptors;
+        const FewDescriptors none;
         scan = scanWith({"echo /dev/a"});
     }
     QVERIFY(!scan.hasFound);
