@@ -1,7 +1,12 @@
 // The port list that Update makes.
+#include "serial/platform/PortInspection.h"
 #include "tests/ui/app/MainWindowFixture.h"
 #include "tests/ui/app/PortCommands.h"
+#include "tests/ui/app/ResultWindowAnswer.h"
 
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <utility>
@@ -18,6 +23,7 @@ private slots:
     void updateReplacesListAndText();
     void updateButtonUpdates();
     void takesNamesAsTheyAre();
+    void listsHostileNamesAndWritesToNone();
     void refusesANameThatIsTooLong();
 };
 
@@ -81,6 +87,47 @@ void UpdateTest::takesNamesAsTheyAre() {
     QCOMPARE(main.items(main.ports),
              (QStringList{"/dev/cu.u $(reboot) `reboot` ; & | > < *", "/dev/cu.u\"q\\", "",
                           QString("/dev/cu.u") + QChar::ReplacementCharacter}));
+}
+
+// As the system's own command lists them: one name that has a line end in it is two ports, neither
+// of which there is, and the other ones are files.
+void UpdateTest::listsHostileNamesAndWritesToNone() {
+    MainWindowFixture main;
+    const QTemporaryDir folder;
+    for (const char* name : {"cu.u'; reboot; '", "cu.u\nline", "cu.u \t-l", "cu.u\033[2J"}) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("kept");
+    }
+    portCommands.reset();
+    QByteArray command(platform::portListCommands().front());
+    QCOMPARE(command, QByteArray("/bin/ls /dev/cu.u*"));
+    command.replace("/dev/", QFile::encodeName(folder.path()) + '/');
+    portCommands = {command.constData()};
+    main.delegate.pushUpdating(nullptr);
+    QStringList listed = main.items(main.ports);
+    listed.sort(); // the listing is in the order of the person's language
+    QStringList expected{"line"};
+    for (const char* name : {"cu.u", "cu.u \t-l", "cu.u'; reboot; '", "cu.u\033[2J"}) {
+        expected.append(folder.filePath(name));
+    }
+    expected.sort();
+    QCOMPARE(listed, expected);
+    const ResultWindowAnswer answer;
+    for (int item = 0; item < main.ports.count(); ++item) {
+        main.ports.setCurrentIndex(item);
+        main.writeButton.click();
+        QTRY_VERIFY(answer.messages.size() == item + 1 && !main.window.isSheetUp());
+        QVERIFY2(answer.messages[item].contains("ERROR:0x00001002\n"),
+                 qPrintable(answer.messages[item]));
+    }
+    const QFileInfoList files = QDir(folder.path()).entryInfoList(QDir::Files);
+    QCOMPARE(files.size(), 4);
+    for (const QFileInfo& file : files) {
+        QFile content(file.filePath());
+        QVERIFY(content.open(QIODevice::ReadOnly));
+        QCOMPARE(content.readAll(), QByteArray("kept"));
+    }
 }
 
 void UpdateTest::refusesANameThatIsTooLong() {
