@@ -9,8 +9,10 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -27,46 +29,90 @@ struct Message {
     QString text;
 };
 
+// How many messages were lost, and the one that came after them; none yet where there was none.
+struct Piece {
+    std::size_t lost = 0;
+    std::optional<Message> message;
+};
+
 class Messages {
 public:
     void setDestination(QtMessageHandler handler) { m_destination = handler; }
     QtMessageHandler destination() const { return m_destination; }
 
+    // Without memory for it the message is not there, and not counted.
     void add(Message message) {
         const std::lock_guard lock(m_mutex);
         if (m_waiting.size() >= MOST_WAITING) {
             ++m_lost;
             return;
         }
-        m_waiting.push_back(std::move(message));
+        m_waiting.push_back({m_lost, std::move(message)});
+        m_lost = 0;
+        m_change.notify_all();
+    }
+
+    void countLost() {
+        const std::lock_guard lock(m_mutex);
+        ++m_lost;
         m_change.notify_all();
     }
 
     [[noreturn]] void bringAll() {
+        std::size_t lost = 0;
         for (;;) {
-            bring(next());
+            const Piece piece = next();
+            lost += piece.lost;
+            tellOfLost(lost);
+            if (piece.message && !isBrought([&] { bring(*piece.message); })) {
+                ++lost;
+                tellOfLost(lost);
+            }
         }
     }
 
     void waitUntilAllAreThere(std::chrono::milliseconds limit) {
         std::unique_lock lock(m_mutex);
-        m_change.wait_for(lock, limit, [this] { return m_waiting.empty() && !m_isBringing; });
+        m_change.wait_for(lock, limit, [this] { return !isAnyWaiting() && !m_isBringing; });
     }
 
 private:
-    Message next() {
+    bool isAnyWaiting() const { return !m_waiting.empty() || m_lost != 0; }
+
+    Piece next() {
         std::unique_lock lock(m_mutex);
         m_isBringing = false;
         m_change.notify_all();
-        m_change.wait(lock, [this] { return !m_waiting.empty(); });
+        m_change.wait(lock, [this] { return isAnyWaiting(); });
         m_isBringing = true;
-        if (m_lost != 0) {
-            return {QtWarningMsg, "flashwriter",
-                    QString("(messages that were lost: %1)").arg(std::exchange(m_lost, 0))};
+        if (m_waiting.empty()) {
+            return {std::exchange(m_lost, 0), std::nullopt};
         }
-        Message message = std::move(m_waiting.front());
+        Piece piece = std::move(m_waiting.front());
         m_waiting.pop_front();
-        return message;
+        return piece;
+    }
+
+    // Where there is no memory for that either the number is kept, for the next time.
+    void tellOfLost(std::size_t& lost) const {
+        const auto tell = [&] {
+            bring(
+                {QtWarningMsg, "flashwriter", QString("(messages that were lost: %1)").arg(lost)});
+        };
+        if (lost != 0 && isBrought(tell)) {
+            lost = 0;
+        }
+    }
+
+    // What it threw cannot be logged: that would be another message.
+    template <class Action>
+    static bool isBrought(const Action& action) {
+        try {
+            action();
+            return true;
+        } catch (const std::exception&) {
+            return false;
+        }
     }
 
     void bring(const Message& message) const {
@@ -76,8 +122,8 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_change;
-    std::deque<Message> m_waiting;
-    std::size_t m_lost = 0;
+    std::deque<Piece> m_waiting;
+    std::size_t m_lost = 0; // after all that are waiting
     bool m_isBringing = false;
     QtMessageHandler m_destination = nullptr; // set before there is a message
 };
@@ -91,13 +137,14 @@ Messages& allMessages() {
 void takeMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
     Messages& messages = allMessages();
     if (type == QtFatalMsg) {
+        messages.waitUntilAllAreThere(LAST_MOMENT);
         messages.destination()(type, context, text);
         return;
     }
     try {
         messages.add({type, context.category, text});
     } catch (const std::bad_alloc&) {
-        return; // there is nobody to tell
+        messages.countLost();
     }
 }
 

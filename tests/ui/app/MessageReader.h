@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -39,6 +40,10 @@ public:
         m_isHeld = held;
         m_change.notify_all();
     }
+    void fail(int times) { // so often it has no memory for a message
+        const std::lock_guard lock(m_mutex);
+        m_failures = times;
+    }
     bool isWaitedFor() { // somebody wants to give it a message
         const std::lock_guard lock(m_mutex);
         return m_isWaitedFor;
@@ -58,6 +63,10 @@ private:
         m_isWaitedFor = true;
         m_change.wait(lock, [this] { return !m_isHeld; });
         m_isWaitedFor = false;
+        if (m_failures > 0) {
+            --m_failures;
+            throw std::bad_alloc();
+        }
         m_taken.push_back(message);
     }
 
@@ -66,6 +75,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_change;
     std::vector<TakenMessage> m_taken;
+    int m_failures = 0;
     bool m_isHeld = false;
     bool m_isWaitedFor = false;
 };

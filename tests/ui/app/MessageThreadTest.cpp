@@ -2,6 +2,7 @@
 #include "app/MessageThread.h"
 
 #include "tests/sequence/DiagnosticLines.h"
+#include "tests/support/FailingNew.h"
 #include "tests/support/FailingThread.h"
 #include "tests/ui/app/MessageReader.h"
 
@@ -31,6 +32,9 @@ private slots:
     void leavesMessagesAloneWithoutAThread();
     void bringsMessagesOnAThread();
     void countsWhatIsLost();
+    void countsWhatThereIsNoMemoryFor();
+    void countsWhatCannotBeKept();
+    void bringsAFatalMessageLast();
     void doesNotWaitForAMessageReaderAtTheEnd();
 
 private:
@@ -74,7 +78,8 @@ void MessageThreadTest::bringsMessagesOnAThread() {
     }
 }
 
-// One is on its way, as many wait as may, and the next ones find no room.
+// One is on its way, as many wait as may, and the next ones find no room: they are missed where
+// they would have stood.
 void MessageThreadTest::countsWhatIsLost() {
     constexpr int LOST = 3;
     const std::size_t before = m_reader->count();
@@ -85,18 +90,70 @@ void MessageThreadTest::countsWhatIsLost() {
         qCInfo(sample, "%d", i);
     }
     m_reader->hold(false);
-    QTRY_COMPARE(m_reader->count(), before + 1 + 1 + MOST_WAITING);
+    QTRY_COMPARE(m_reader->count(), before + 1 + MOST_WAITING + 1);
     const std::vector<TakenMessage> messages = m_reader->all();
     QCOMPARE(messages[before].text, "held");
-    QCOMPARE(messages[before + 1].text, "(messages that were lost: 3)");
-    QCOMPARE(messages[before + 1].type, QtWarningMsg);
-    QCOMPARE(messages[before + 1].category, "flashwriter");
     for (int i = 0; i < MOST_WAITING; ++i) {
-        QCOMPARE(messages[before + 2 + static_cast<std::size_t>(i)].text, QString::number(i));
+        QCOMPARE(messages[before + 1 + static_cast<std::size_t>(i)].text, QString::number(i));
     }
+    QCOMPARE(messages.back().text, "(messages that were lost: 3)");
+    QCOMPARE(messages.back().type, QtWarningMsg);
+    QCOMPARE(messages.back().category, "flashwriter");
     qCInfo(sample, "there is room again");
-    QTRY_COMPARE(m_reader->count(), before + 1 + 1 + MOST_WAITING + 1);
+    QTRY_COMPARE(m_reader->count(), before + 1 + MOST_WAITING + 2);
     QCOMPARE(m_reader->all().back().text, "there is room again");
+}
+
+// The thread that reads them has none.
+void MessageThreadTest::countsWhatThereIsNoMemoryFor() {
+    for (const int failures : {1, 2}) { // the second is that of the count
+        const std::size_t before = m_reader->count();
+        m_reader->fail(failures);
+        qCInfo(sample, "lost");
+        qCInfo(sample, "last");
+        QTRY_COMPARE(m_reader->count(), before + 2);
+        const std::vector<TakenMessage> messages = m_reader->all();
+        QCOMPARE(messages[before].text, "(messages that were lost: 1)");
+        QCOMPARE(messages[before + 1].text, "last");
+    }
+}
+
+// Whoever has them to say has none.
+void MessageThreadTest::countsWhatCannotBeKept() {
+    const std::size_t before = m_reader->count();
+    m_reader->hold(true);
+    int said = 0;
+    {
+        const FailingNew failing(1);
+        for (; !FailingNew::hasFailed(); ++said) {
+            QVERIFY(said < 1000);
+            qCInfo(sample, "%d", said);
+        }
+    }
+    qCInfo(sample, "last");
+    m_reader->hold(false);
+    QTRY_COMPARE(m_reader->count(), before + static_cast<std::size_t>(said) + 1);
+    const std::vector<TakenMessage> messages = m_reader->all();
+    QCOMPARE(messages[messages.size() - 2].text, "(messages that were lost: 1)");
+    QCOMPARE(messages.back().text, "last");
+}
+
+// Nobody brings anything after one that ends the program, and so whoever has it brings it, after
+// those that are waiting. Qt's own function would end the test.
+void MessageThreadTest::bringsAFatalMessageLast() {
+    constexpr std::size_t WAITING = 1000;
+    const std::size_t before = m_reader->count();
+    for (std::size_t i = 0; i < WAITING; ++i) {
+        qCInfo(sample, "%zu", i);
+    }
+    const QtMessageHandler handler = qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(handler);
+    handler(QtFatalMsg, QMessageLogContext(nullptr, 0, nullptr, "sample"), "the end");
+    QCOMPARE(m_reader->count(), before + WAITING + 1);
+    const TakenMessage last = m_reader->all().back();
+    QCOMPARE(last.text, "the end");
+    QCOMPARE(last.type, QtFatalMsg);
+    QVERIFY(last.thread == std::this_thread::get_id());
 }
 
 void MessageThreadTest::doesNotWaitForAMessageReaderAtTheEnd() {
