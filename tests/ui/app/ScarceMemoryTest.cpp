@@ -10,6 +10,8 @@
 
 #include <QTest>
 
+#include <new>
+
 namespace flashwriter::testing {
 
 namespace {
@@ -48,6 +50,7 @@ private slots:
     void opensOrClosesTheMonitor();
     void listsPorts();
     void showsNoResultOfAnEarlierWrite();
+    void goesOnWithoutMemoryForDiagnostics();
 };
 
 // Only until the write's thread has been started.
@@ -143,6 +146,27 @@ void ScarceMemoryTest::showsNoResultOfAnEarlierWrite() {
     const QString atOnce = message->text();
     QVERIFY(main.isIdleSoon());
     QCOMPARE(atOnce, "");
+}
+
+// As the toolkit's own logging has it, which is where the program's lines go.
+void ScarceMemoryTest::goesOnWithoutMemoryForDiagnostics() {
+    ScarceFixture main;
+    setDiagnosticSink([](const char*) { throw std::bad_alloc(); });
+    main.updateButton.click();
+    QCOMPARE(main.ports.count(), 1);
+    main.choosePort(main.board.portPath());
+    main.monitorButton.click();
+    QVERIFY(main.delegate.isMonitorOpen());
+    const std::vector<std::uint8_t> image = patternImage(100);
+    const ImageFile file("image.bin", image);
+    main.path.setText(QString::fromStdString(file.path()));
+    const auto expected = flashAfter(image, main.board.codeFlash());
+    main.monitorButton.click();
+    const ResultWindowAnswer answer;
+    main.writeButton.click();
+    QVERIFY(main.isIdleSoon());
+    QVERIFY2(answer.messages.value(0).contains("succeeded"), qPrintable(answer.messages.value(0)));
+    QVERIFY(main.board.codeFlash() == expected);
 }
 
 } // namespace flashwriter::testing
