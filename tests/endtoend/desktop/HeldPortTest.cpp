@@ -14,6 +14,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// Ten times of what it is. A window that asks all the time has little more on a busy machine.
+constexpr double MOST_LOAD = 0.1;
+
 // For the program, which inherits it.
 struct HeldBreak {
     HeldBreak() {
@@ -66,7 +69,7 @@ TEST_F(DesktopHeldPort, LetsWhatIsTypedWait) {
     }));
     const double load = loadOfTheWindow();
     RecordProperty("load", std::to_string(load));
-    EXPECT_LT(load, 0.5);
+    EXPECT_LT(load, MOST_LOAD);
     EXPECT_EQ(m_program.shown(IMAGE_FILE), "") << "not yet";
     m_hold.end();
     EXPECT_TRUE(m_program.screen().waitUntil("statusLabel", [](const Accessible& label) {
