@@ -23,6 +23,10 @@ std::string refusedFileAdvice(const FailureFacts& facts) {
                                 "are too many of them. Name the image itself, or make the link "
                                 "again.";
     }
+    if (facts.file.error == EMFILE || facts.file.error == ENFILE) {
+        return facts.filePath + " cannot be opened now: " + std::strerror(facts.file.error) +
+               ". Close other programs, or start this one again.";
+    }
     return facts.filePath + " may not be read: " + std::strerror(facts.file.error) +
            ". Check its permissions.";
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 namespace flashwriter {
@@ -44,6 +45,18 @@ TEST(FileAdvice, ALoopOfLinksIsToldFromARefusal) {
         EXPECT_EQ(advice(code, facts),
                   "image.bin leads nowhere: a link on the way leads back to itself, or there are "
                   "too many of them. Name the image itself, or make the link again.");
+    }
+}
+
+// A process may have only so many, and so may the system.
+TEST(FileAdvice, TooManyOpenFilesAreNoMatterOfPermissions) {
+    FailureFacts facts = goodFacts();
+    facts.file.state = FileState::NotReadable;
+    for (const int error : {EMFILE, ENFILE}) {
+        facts.file.error = error;
+        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+                  std::string("image.bin cannot be opened now: ") + std::strerror(error) +
+                      ". Close other programs, or start this one again.");
     }
 }
 
