@@ -1,5 +1,5 @@
-// The command in a process that runs out of memory, descriptors or threads, wherever that happens: it
-// ends by itself, and claims success only of what is in the flash.
+// The command in a process that runs out of memory, descriptors or threads, wherever that happens:
+// it ends by itself, and claims success only of what is in the flash.
 #include "tests/endtoend/scarce/ScarceFixture.h"
 
 namespace flashwriter::testing {

@@ -77,7 +77,6 @@ void ScarceThreadsTest::tellsThatThePortHasGone() {
         form.line->refresh();
         QTRY_VERIFY2(form.label.text().contains("has gone"), qPrintable(form.label.text()));
         hasFailed = FailingNewElsewhere::hasFailed();
-        qWarning("%d", n);
         QVERIFY(n > 3 || hasFailed);
     }
 }
@@ -106,7 +105,6 @@ void ScarceThreadsTest::advisesAboutTheMonitor() {
         const FailingNewElsewhere failing(n);
         main.monitorButton.click();
         hasFailed = FailingNewElsewhere::hasFailed();
-        qWarning("%d", n);
         QVERIFY(!main.delegate.isMonitorOpen());
         QVERIFY(main.areControls(true));
         QCOMPARE(main.monitorButton.text(), "Open");
