@@ -38,7 +38,7 @@ public:
 
 private:
     testing::ChildOptions machine() const;
-    void awaitAgent();
+    void awaitRunner();
 
     GuestFiles m_files;
     std::string m_adapterSocket;

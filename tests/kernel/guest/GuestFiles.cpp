@@ -18,7 +18,7 @@ std::string makeDirectory() {
     if (::mkdtemp(path.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), path);
     }
-    std::filesystem::create_symlink(KERNEL_AGENT, path + "/first");
+    std::filesystem::create_symlink(KERNEL_RUNNER, path + "/first");
     return path;
 }
 
@@ -37,7 +37,7 @@ int listenAt(const std::string& path) {
 
 } // namespace
 
-GuestFiles::GuestFiles() : m_directory(makeDirectory()), m_listener(listenAt(path("agent"))) {}
+GuestFiles::GuestFiles() : m_directory(makeDirectory()), m_listener(listenAt(path("runner"))) {}
 
 GuestFiles::~GuestFiles() {
     ::close(m_listener);

@@ -23,7 +23,7 @@ struct ProcessState {
     std::optional<int> status; // once it has ended
 };
 
-// The conversation with the agent. A thread of its own takes what the agent says, so that no
+// The conversation with the runner. A thread of its own takes what the runner says, so that no
 // process in the machine ever waits for a reader. All operations may be called from any thread.
 class GuestLink {
 public:

@@ -1,4 +1,4 @@
-// What a test and the agent in the emulated machine say to each other, over any stream of bytes.
+// What a test and the runner in the emulated machine say to each other, over any stream of bytes.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@
 namespace flashwriter::kernel {
 
 enum class MessageKind : std::uint32_t {
-    // To the agent:
+    // To the runner:
     start,  // the body is a Command
     input,  // bytes for the process's standard input; an empty body ends it
     signal, // the body is the signal's number
-    // From the agent:
+    // From the runner:
     ready,   // once, for no process: it listens
     started, // the body is the process's number in the machine
     output,  // bytes from standard output

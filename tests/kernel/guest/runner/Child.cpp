@@ -1,4 +1,4 @@
-#include "tests/kernel/guest/agent/Child.h"
+#include "tests/kernel/guest/runner/Child.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "tests/kernel/guest/agent/Agent.h"
+#include "tests/kernel/guest/runner/Runner.h"
 
 #include <poll.h>
 #include <sys/signalfd.h>
@@ -33,15 +33,15 @@ int openChildSignals() {
 
 } // namespace
 
-Agent::Agent(int channel) : m_channel(channel), m_childSignals(openChildSignals()) {
+Runner::Runner(int channel) : m_channel(channel), m_childSignals(openChildSignals()) {
     sendMessage(m_channel, {.kind = MessageKind::ready, .process = 0, .body = ""});
 }
 
-Agent::~Agent() {
+Runner::~Runner() {
     ::close(m_childSignals);
 }
 
-void Agent::run() {
+void Runner::run() {
     while (!m_over) {
         wait();
         takeRequests();
@@ -53,7 +53,7 @@ void Agent::run() {
     }
 }
 
-void Agent::wait() {
+void Runner::wait() {
     std::vector<pollfd> polled{{m_channel, POLLIN, 0}, {m_childSignals, POLLIN, 0}};
     for (const auto& [process, running] : m_running) {
         polled.push_back({running.child->output(), POLLIN, 0});
@@ -62,7 +62,7 @@ void Agent::wait() {
     ::poll(polled.data(), polled.size(), -1);
 }
 
-void Agent::takeRequests() {
+void Runner::takeRequests() {
     pollfd ready{m_channel, POLLIN, 0};
     if (::poll(&ready, 1, 0) != 1) {
         return;
@@ -78,7 +78,7 @@ void Agent::takeRequests() {
     }
 }
 
-void Agent::obey(const Message& request) {
+void Runner::obey(const Message& request) {
     if (request.kind == MessageKind::start) {
         start(request);
         return;
@@ -94,7 +94,7 @@ void Agent::obey(const Message& request) {
     }
 }
 
-void Agent::start(const Message& request) {
+void Runner::start(const Message& request) {
     Running running{.child = std::make_unique<Child>(decodeCommand(request.body)), .status = {}};
     sendMessage(m_channel, {.kind = MessageKind::started,
                             .process = request.process,
@@ -102,7 +102,7 @@ void Agent::start(const Message& request) {
     m_running[request.process] = std::move(running);
 }
 
-void Agent::takeOutput(std::uint32_t process, Running& running) {
+void Runner::takeOutput(std::uint32_t process, Running& running) {
     if (!forward(process, running.child->output(), MessageKind::output)) {
         running.child->closeOutput();
     }
@@ -112,7 +112,7 @@ void Agent::takeOutput(std::uint32_t process, Running& running) {
 }
 
 // False when the stream has ended.
-bool Agent::forward(std::uint32_t process, int descriptor, MessageKind kind) {
+bool Runner::forward(std::uint32_t process, int descriptor, MessageKind kind) {
     pollfd ready{descriptor, POLLIN, 0};
     std::array<char, CHUNK> chunk{};
     while (descriptor != -1 && ::poll(&ready, 1, 0) == 1) {
@@ -128,7 +128,7 @@ bool Agent::forward(std::uint32_t process, int descriptor, MessageKind kind) {
 }
 
 // Orphans too: they are the first process's to bury.
-void Agent::reap() {
+void Runner::reap() {
     signalfd_siginfo signal{};
     while (::read(m_childSignals, &signal, sizeof signal) > 0) {
     }
@@ -143,7 +143,7 @@ void Agent::reap() {
     }
 }
 
-void Agent::tellEnds() {
+void Runner::tellEnds() {
     for (auto entry = m_running.begin(); entry != m_running.end();) {
         auto& [process, running] = *entry;
         if (!running.status) {

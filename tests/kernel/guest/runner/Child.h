@@ -7,7 +7,7 @@
 
 namespace flashwriter::kernel {
 
-// A process of the emulated machine that the agent has started, and the agent's ends of its
+// A process of the emulated machine that the runner has started, and the runner's ends of its
 // streams. Who owns it closes them.
 class Child {
 public:

@@ -1,6 +1,6 @@
 // The first process of the emulated machine, once its drivers are there:
-//   kernel-agent <channel's device>
-#include "tests/kernel/guest/agent/Agent.h"
+//   kernel-runner <channel's device>
+#include "tests/kernel/guest/runner/Runner.h"
 
 #include <fcntl.h>
 #include <sys/reboot.h>
@@ -12,9 +12,9 @@
 int main(int argc, char** argv) {
     try {
         const int channel = argc == 2 ? ::open(argv[1], O_RDWR | O_CLOEXEC) : -1;
-        flashwriter::kernel::Agent(channel).run();
+        flashwriter::kernel::Runner(channel).run();
     } catch (const std::exception& error) {
-        std::cerr << "agent: " << error.what() << '\n';
+        std::cerr << "runner: " << error.what() << '\n';
     }
     ::reboot(RB_POWER_OFF); // a machine without its first process would only panic
 }

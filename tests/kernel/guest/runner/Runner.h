@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/kernel/guest/agent/Child.h"
+#include "tests/kernel/guest/runner/Child.h"
 #include "tests/kernel/guest/channel/Message.h"
 
 #include <cstdint>
@@ -12,13 +12,13 @@ namespace flashwriter::kernel {
 
 // The first process of the emulated machine: starts others as a test asks, and tells what they say
 // and how they end. One thread.
-class Agent {
+class Runner {
 public:
     // channel: open for reading and writing.
-    explicit Agent(int channel);
-    ~Agent();
-    Agent(const Agent&) = delete;
-    Agent& operator=(const Agent&) = delete;
+    explicit Runner(int channel);
+    ~Runner();
+    Runner(const Runner&) = delete;
+    Runner& operator=(const Runner&) = delete;
 
     // Until the test has gone. Throws std::system_error when the system refuses something.
     void run();
