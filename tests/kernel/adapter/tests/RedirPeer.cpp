@@ -73,7 +73,9 @@ RedirPeer::RedirPeer(board::Descriptor socket) : RedirEnd(std::move(socket)) {
     usbredirparser& to = *parser();
     to.hello_func = [](void*, usb_redir_hello_header*) {};
     to.device_connect_func = [](void* priv, usb_redir_device_connect_header* header) {
-        Callbacks::peer(priv).device = *header;
+        RedirPeer& peer = Callbacks::peer(priv);
+        peer.device = *header;
+        peer.describedBefore = peer.interfaces.has_value() && peer.endpoints.has_value();
     };
     to.device_disconnect_func = [](void* priv) { Callbacks::peer(priv).gone = true; };
     to.interface_info_func = [](void* priv, usb_redir_interface_info_header* header) {
@@ -108,6 +110,10 @@ RedirPeer::RedirPeer(board::Descriptor socket) : RedirEnd(std::move(socket)) {
         Callbacks::keep(priv, id, header->status, data, length);
     };
     start(0);
+}
+
+bool RedirPeer::has(int capability) const {
+    return usbredirparser_peer_has_cap(parser(), capability) != 0;
 }
 
 bool RedirPeer::await(const std::function<bool()>& condition) {

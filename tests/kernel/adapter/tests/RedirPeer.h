@@ -37,11 +37,15 @@ public:
 
     // What has come so far.
     std::optional<usb_redir_device_connect_header> device;
-    usb_redir_interface_info_header interfaces{};
-    usb_redir_ep_info_header endpoints{};
+    bool describedBefore = false; // both tables below had come when the device did
+    std::optional<usb_redir_interface_info_header> interfaces;
+    std::optional<usb_redir_ep_info_header> endpoints;
     bool gone = false;
     std::map<std::uint64_t, std::uint8_t> statuses; // of whatever had that number
     std::map<std::uint64_t, Bytes> received;
+
+    // Whether the device's side has told of this capability; to be asked once there is a device.
+    bool has(int capability) const;
 
     // Handles what comes until the condition holds; false when it does not for long.
     bool await(const std::function<bool()>& condition);

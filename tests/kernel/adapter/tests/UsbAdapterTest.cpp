@@ -69,15 +69,15 @@ TEST_F(UsbAdapterTest, AnnouncesADeviceForTheClassDriver) {
     plug(unpaced());
     EXPECT_EQ(m_host->device->speed, usb_redir_speed_full);
     EXPECT_EQ(m_host->device->device_class, 2);
-    ASSERT_EQ(+m_host->interfaces.interface_count, 2U);
-    EXPECT_EQ(m_host->interfaces.interface_class[0], 2);
-    EXPECT_EQ(m_host->interfaces.interface_class[1], 10);
-    EXPECT_EQ(m_host->endpoints.type[1], usb_redir_type_bulk);
-    EXPECT_EQ(m_host->endpoints.type[17], usb_redir_type_bulk);
-    EXPECT_EQ(m_host->endpoints.type[18], usb_redir_type_interrupt);
-    EXPECT_EQ(m_host->endpoints.interface[17], 1);
-    EXPECT_EQ(m_host->endpoints.type[2], usb_redir_type_invalid);
-    EXPECT_EQ(+m_host->endpoints.max_packet_size[17], 64);
+    ASSERT_EQ(+m_host->interfaces->interface_count, 2U);
+    EXPECT_EQ(m_host->interfaces->interface_class[0], 2);
+    EXPECT_EQ(m_host->interfaces->interface_class[1], 10);
+    EXPECT_EQ(m_host->endpoints->type[1], usb_redir_type_bulk);
+    EXPECT_EQ(m_host->endpoints->type[17], usb_redir_type_bulk);
+    EXPECT_EQ(m_host->endpoints->type[18], usb_redir_type_interrupt);
+    EXPECT_EQ(m_host->endpoints->interface[17], 1);
+    EXPECT_EQ(m_host->endpoints->type[2], usb_redir_type_invalid);
+    EXPECT_EQ(+m_host->endpoints->max_packet_size[17], 64);
 }
 
 TEST_F(UsbAdapterTest, AnnouncesADeviceForTheFtdiDriver) {
@@ -85,10 +85,22 @@ TEST_F(UsbAdapterTest, AnnouncesADeviceForTheFtdiDriver) {
     EXPECT_EQ(+m_host->device->vendor_id, 0x0403);
     EXPECT_EQ(+m_host->device->product_id, 0x6001);
     EXPECT_EQ(+m_host->device->device_version_bcd, 0x0600);
-    EXPECT_EQ(m_host->endpoints.type[2], usb_redir_type_bulk);
+    EXPECT_EQ(m_host->endpoints->type[2], usb_redir_type_bulk);
     EXPECT_EQ(m_adapter.latencyTimer(), 16ms);
     EXPECT_EQ(statusOf(m_host->tell(0x4009, 1)), kSuccess);
     EXPECT_EQ(m_adapter.latencyTimer(), 1ms);
+}
+
+// A host looks at the tables when the device comes, and uses what both ends have told of: there are
+// no streams here, and it has to ask for bytes itself.
+TEST_F(UsbAdapterTest, DescribesTheDeviceFirstAndPromisesNothingThatItHasNot) {
+    for (const AdapterKind kind : {AdapterKind::cdcAcm, AdapterKind::ftdiSio}) {
+        plug(unpaced(kind));
+        EXPECT_TRUE(m_host->describedBefore);
+        EXPECT_TRUE(m_host->has(usb_redir_cap_ep_info_max_packet_size));
+        EXPECT_FALSE(m_host->has(usb_redir_cap_bulk_streams));
+        EXPECT_FALSE(m_host->has(usb_redir_cap_bulk_receiving));
+    }
 }
 
 TEST_F(UsbAdapterTest, AnswersAndRefusesRequests) {
