@@ -79,6 +79,8 @@ void GuestLink::take(const Message& message) {
         break;
     case MessageKind::ended:
         state.status = std::stoi(message.body);
+        state.took =
+            std::chrono::milliseconds(std::stoll(message.body.substr(message.body.find(' '))));
         break;
     default:
         break;

@@ -21,6 +21,8 @@ struct ProcessState {
     std::string output;
     std::string error;
     std::optional<int> status; // once it has ended
+    // By the machine's clock: from its start, or from the last signal sent to it, to its end.
+    std::chrono::milliseconds took{};
 };
 
 // The conversation with the runner. A thread of its own takes what the runner says, so that no

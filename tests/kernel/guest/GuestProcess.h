@@ -27,6 +27,8 @@ public:
     pid_t pid();
     std::string output() const { return m_link.state(m_process).output; }
     std::string error() const { return m_link.state(m_process).error; }
+    // Once it has ended: how long that took from its start, or from the last signal sent to it.
+    Milliseconds took() const { return m_link.state(m_process).took; }
 
     // Waits until condition holds, asking whenever the process has said something or ended.
     bool waitFor(const std::function<bool(const ProcessState&)>& condition,

@@ -18,7 +18,8 @@ enum class MessageKind : std::uint32_t {
     started, // the body is the process's number in the machine
     output,  // bytes from standard output
     error,   // bytes from standard error
-    ended,   // the body is the exit status, or 128 + n after death by signal n
+    ended,   // the body is the exit status, or 128 + n after death by signal n; a blank; and how
+             // many milliseconds that took from the start, or from the last signal sent to it
 };
 
 struct Message {

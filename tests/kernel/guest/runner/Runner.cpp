@@ -90,12 +90,16 @@ void Runner::obey(const Message& request) {
     if (request.kind == MessageKind::input) {
         found->second.child->input(request.body);
     } else if (request.kind == MessageKind::signal && !found->second.status) {
+        found->second.since = std::chrono::steady_clock::now();
         ::kill(found->second.child->pid(), std::stoi(request.body));
     }
 }
 
 void Runner::start(const Message& request) {
-    Running running{.child = std::make_unique<Child>(decodeCommand(request.body)), .status = {}};
+    Running running{.child = std::make_unique<Child>(decodeCommand(request.body)),
+                    .since = std::chrono::steady_clock::now(),
+                    .took = {},
+                    .status = {}};
     sendMessage(m_channel, {.kind = MessageKind::started,
                             .process = request.process,
                             .body = std::to_string(running.child->pid())});
@@ -138,6 +142,8 @@ void Runner::reap() {
         for (auto& [process, running] : m_running) {
             if (running.child->pid() == ended) {
                 running.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+                running.took = std::chrono::duration_cast<std::chrono::milliseconds>(
+                    std::chrono::steady_clock::now() - running.since);
             }
         }
     }
@@ -153,7 +159,8 @@ void Runner::tellEnds() {
         takeOutput(process, running); // what it said last
         sendMessage(m_channel, {.kind = MessageKind::ended,
                                 .process = process,
-                                .body = std::to_string(*running.status)});
+                                .body = std::to_string(*running.status) + " " +
+                                        std::to_string(running.took.count())});
         entry = m_running.erase(entry);
     }
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "tests/kernel/guest/runner/Child.h"
 #include "tests/kernel/guest/channel/Message.h"
+#include "tests/kernel/guest/runner/Child.h"
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -26,7 +27,9 @@ public:
 private:
     struct Running {
         std::unique_ptr<Child> child;
-        std::optional<int> status; // once it has ended
+        std::chrono::steady_clock::time_point since; // its start, or the last signal sent to it
+        std::chrono::milliseconds took{};            // from then to its end
+        std::optional<int> status;                   // once it has ended
     };
 
     void wait();
