@@ -12,8 +12,8 @@ UsbAdapter::~UsbAdapter() = default;
 
 void UsbAdapter::plug(const UsbAdapterOptions& options) {
     unplug();
-    m_running = std::make_unique<board::LoopThread<DeviceLoop>>(connectTo(m_socketPath),
-                                                                options.kind, options.board);
+    m_running = std::make_unique<board::LoopThread<DeviceLoop>>(
+        connectTo(m_socketPath), options.kind, options.board, options.looseAt);
 }
 
 void UsbAdapter::unplug() {

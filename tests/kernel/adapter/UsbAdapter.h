@@ -18,6 +18,9 @@ class DeviceLoop;
 struct UsbAdapterOptions {
     AdapterKind kind = AdapterKind::cdcAcm;
     board::BoardOptions board;
+    // The adapter comes loose when the board's transcript says this in one of its meanings, and
+    // right after the host's request that led to it was answered; empty: it does not.
+    std::string looseAt{};
 };
 
 // A USB-serial adapter with a virtual board behind it, for a host that takes USB devices over a

@@ -182,6 +182,18 @@ TEST_F(UsbAdapterTest, AFaultUnplugsItBehindTheBeginningOfAReply) {
     EXPECT_TRUE(m_host->gone);
 }
 
+TEST_F(UsbAdapterTest, ItComesLooseWhereItIsToldTo) {
+    UsbAdapterOptions options = unpaced();
+    options.looseAt = "BREAK on";
+    plug(options);
+    EXPECT_EQ(statusOf(m_host->tell(kLineState, 3)), kSuccess);
+    EXPECT_FALSE(m_host->gone);
+    EXPECT_EQ(statusOf(m_host->tell(kBreak, 0xFFFF)), kSuccess);
+    EXPECT_TRUE(m_host->awaitEnd());
+    EXPECT_TRUE(m_host->gone);
+    EXPECT_FALSE(m_adapter.unplugged()); // not by a fault of the board
+}
+
 TEST_F(UsbAdapterTest, PluggedInAgainItIsANewBoard) {
     plug(unpaced());
     enterProgrammingMode();
