@@ -3,7 +3,7 @@
 #include "board/Transcript.h"
 #include "tests/kernel/runs/HeldUp.h"
 
-#include <iostream>
+#include <algorithm>
 
 namespace flashwriter::kernel {
 
@@ -29,7 +29,8 @@ KernelFixture::~KernelFixture() {
 }
 
 void KernelFixture::plugIn() {
-    adapter().plug({.kind = Machine::the().kind(), .board = m_board});
+    adapter().plug({.kind = Machine::the().kind(), .board = m_board, .looseAt = m_looseAt});
+    m_attempt = 0;
     guest().shell("set -e; " + until("test -c " + port()) + "; chmod 666 " + port());
 }
 
@@ -51,33 +52,51 @@ KernelFixture::flashwrite(const std::string& speed, const std::string& file,
                           .environment = environment});
 }
 
-void KernelFixture::untilNotHeldUp(std::size_t from, const std::function<bool()>& attempt) {
-    int attempts = 1;
-    while (!attempt() && attempts < ATTEMPTS && wasHeldUp(adapter().transcript(), from)) {
-        std::cout << "The machine was held up: once more.\n";
-        ++attempts;
+void KernelFixture::untilNotHeldUp(const std::function<bool()>& attempt) {
+    for (int attempts = 1;; ++attempts) {
+        if (m_attempt) {
+            m_attempt = adapter().transcript().size();
+        }
+        if (attempt() || attempts == ATTEMPTS ||
+            !wasHeldUp(adapter().transcript(), m_attempt.value())) {
+            return;
+        }
+        Machine::the().noteRepeat();
     }
 }
 
-void KernelFixture::writeAndReadBack(const std::string& speed, const std::string& file,
-                                     const std::vector<std::uint8_t>& image) {
-    SCOPED_TRACE(file + " at " + speed);
+void KernelFixture::expectWritten(const std::vector<std::uint8_t>& image,
+                                  const std::function<Outcome()>& write) {
     const std::vector<std::uint8_t> before = adapter().codeFlash();
-    std::unique_ptr<GuestProcess> program;
     std::size_t violations = 0;
-    untilNotHeldUp(adapter().transcript().size(), [&] {
+    Outcome outcome;
+    untilNotHeldUp([&] {
         violations = adapter().violations();
-        program = flashwrite(speed, file);
-        return program->wait() == 0;
+        outcome = write();
+        return outcome.succeeded;
     });
-    EXPECT_EQ(program->wait(), 0) << story();
-    EXPECT_EQ(program->output(), "## Programming Mode\n"
-                                 "## Block Blank Check & Erace... OK\n"
-                                 "## Programming... OK\n"
-                                 "## Write Complete\n"
-                                 "The writing processing succeeded. \n");
+    EXPECT_TRUE(outcome.succeeded) << story();
+    EXPECT_EQ(outcome.said, SUCCESS_SAID);
     EXPECT_EQ(adapter().violations(), violations) << story();
     EXPECT_TRUE(adapter().codeFlash() == testing::flashAfter(image, before)) << "the flash differs";
+}
+
+void KernelFixture::writeAndReadBack(const std::string& speed, const std::string& file,
+                                     const std::vector<std::uint8_t>& image,
+                                     const std::vector<std::string>& environment) {
+    SCOPED_TRACE(file + " at " + speed);
+    expectWritten(image, [&] {
+        const auto program = flashwrite(speed, file, environment);
+        const bool succeeded = program->wait() == 0;
+        return Outcome{.succeeded = succeeded, .said = program->output()};
+    });
+}
+
+bool KernelFixture::hasHappened(const std::string& what) {
+    const board::Transcript transcript = adapter().transcript();
+    return std::ranges::any_of(transcript, [&](const board::TranscriptRecord& record) {
+        return record.meaning.find(what) != std::string::npos;
+    });
 }
 
 std::string KernelFixture::story() {

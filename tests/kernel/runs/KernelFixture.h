@@ -7,13 +7,21 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace flashwriter::kernel {
 
-// A board that can be plugged into the machine, and the programs that run there. At the end of a
-// test the adapter is unplugged and its port has gone.
+// What a program says of a write that succeeds, the result last.
+inline const char* const SUCCESS_SAID = "## Programming Mode\n"
+                                        "## Block Blank Check & Erace... OK\n"
+                                        "## Programming... OK\n"
+                                        "## Write Complete\n"
+                                        "The writing processing succeeded. \n";
+
+// A board that can be plugged into the machine, and the programs that run there. At the end of
+// a test the adapter is unplugged and its port has gone.
 class KernelFixture : public ::testing::Test {
 protected:
     KernelFixture();
@@ -26,7 +34,8 @@ protected:
     // The port's device in the machine, while an adapter is plugged in.
     static std::string port() { return isFtdi() ? "/dev/ttyUSB0" : "/dev/ttyACM0"; }
 
-    // Powers a new board up with m_board, and waits until the machine has made a port of it.
+    // Powers a new board up with what is said below, and waits until the machine has made a port of
+    // it.
     void plugIn();
     // Returns when the port has gone.
     static void unplug();
@@ -37,20 +46,38 @@ protected:
     flashwrite(const std::string& speed, const std::string& file,
                const std::vector<std::string>& environment = {});
 
-    // Writes the file on the board that is plugged in, to its end: the log is that of a success,
-    // and the board's flash holds the image afterwards. A write that fails while the machine was
-    // held up is made anew, twice at most.
-    static void writeAndReadBack(const std::string& speed, const std::string& file,
-                                 const std::vector<std::uint8_t>& image);
+    // How a program's write went.
+    struct Outcome {
+        bool succeeded = false;
+        std::string said; // the log, and behind it the result
+    };
+    // Makes a write of this image on the board that is plugged in, until it is not held up: it
+    // succeeds and says so, it keeps to the protocol, and the board's flash holds
+    // the image afterwards.
+    void expectWritten(const std::vector<std::uint8_t>& image,
+                       const std::function<Outcome()>& write);
+
+    // The same by the command.
+    void writeAndReadBack(const std::string& speed, const std::string& file,
+                          const std::vector<std::uint8_t>& image,
+                          const std::vector<std::string>& environment = {});
 
     // Makes attempts until one is well, which it tells by true, at most three. A further one is
-    // made only if the machine was held up since that record of the board's transcript.
-    static void untilNotHeldUp(std::size_t from, const std::function<bool()>& attempt);
+    // made only if the machine was held up in the last one, by what the board saw of it. An attempt
+    // may plug a board in.
+    void untilNotHeldUp(const std::function<bool()>& attempt);
+
+    // Whether one of the board's records says this.
+    static bool hasHappened(const std::string& what);
 
     // What helps to understand a failure: the board's transcript and the program's diagnostics.
     static std::string story();
 
     board::BoardOptions m_board;
+    std::string m_looseAt; // see UsbAdapterOptions
+
+private:
+    std::optional<std::size_t> m_attempt; // its first record in the transcript; none: no board yet
 };
 
 } // namespace flashwriter::kernel

@@ -1,26 +1,17 @@
 // A write that is killed, and the one after it.
 #include "tests/kernel/runs/KernelFixture.h"
 
-#include <algorithm>
 #include <csignal>
 
 namespace flashwriter::kernel {
 namespace {
 
 using board::TargetMode;
-using board::TranscriptRecord;
 using testing::ImageFile;
 using testing::patternImage;
 
 class Killed : public KernelFixture {
 protected:
-    static bool hasHappened(const std::string& what) {
-        const board::Transcript transcript = adapter().transcript();
-        return std::ranges::any_of(transcript, [&](const TranscriptRecord& record) {
-            return record.meaning.find(what) != std::string::npos;
-        });
-    }
-
     const std::vector<std::uint8_t> m_image = patternImage(5000);
     const ImageFile m_file{"image.bin", m_image};
 };
@@ -28,7 +19,7 @@ protected:
 TEST_F(Killed, InMidWriteIsMendedByTheNext) {
     plugIn();
     std::unique_ptr<GuestProcess> program;
-    untilNotHeldUp(0, [&] {
+    untilNotHeldUp([&] {
         program = flashwrite("115200", m_file.path());
         return adapter().waitForMode(TargetMode::receiving, std::chrono::seconds(5));
     });

@@ -37,12 +37,11 @@ protected:
     // Half of a write's pauses are no longer than so many milliseconds.
     double pauseOfAWrite(const std::vector<std::string>& environment) {
         plugIn();
-        untilNotHeldUp(
-            0, [&] { return flashwrite("500000", m_file.path(), environment)->wait() == 0; });
+        writeAndReadBack("500000", m_file.path(), m_image, environment);
         std::vector<std::int64_t> all = pauses(adapter().transcript());
         m_timer = adapter().latencyTimer();
         if (all.size() < 20) {
-            throw std::runtime_error("the write failed: " + story());
+            throw std::runtime_error("too few commands: " + story());
         }
         unplug();
         std::ranges::sort(all);
@@ -50,7 +49,8 @@ protected:
     }
 
     std::chrono::milliseconds m_timer{};
-    const ImageFile m_file{"image.bin", patternImage(20000)};
+    const std::vector<std::uint8_t> m_image = patternImage(20000);
+    const ImageFile m_file{"image.bin", m_image};
 };
 
 TEST_F(Latency, IsAskedForAndWorthIt) {

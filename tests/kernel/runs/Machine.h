@@ -25,8 +25,13 @@ public:
     Guest& guest() { return *m_guest; }
     UsbAdapter& adapter() { return *m_adapter; }
 
+    // A write was made anew because the machine was held up. A run with many of these says more of
+    // what else goes on here than of drivers, and fails.
+    void noteRepeat();
+
 private:
     AdapterKind m_kind;
+    int m_repeats = 0;
     std::optional<Guest> m_guest;
     std::optional<UsbAdapter> m_adapter;
 };

@@ -43,10 +43,14 @@ std::string ShownWindow::ask(const std::string& line) {
     return answer;
 }
 
-std::string ShownWindow::write(const std::string& speed, const std::string& file) {
+void ShownWindow::begin(const std::string& speed, const std::string& file) {
     m_hands->choose("baudRateComboBox", speed);
     m_hands->type("filePathTextField", file);
     m_hands->click("writeButton");
+}
+
+std::string ShownWindow::write(const std::string& speed, const std::string& file) {
+    begin(speed, file);
     return m_hands->waitText("resultMessage", ".");
 }
 

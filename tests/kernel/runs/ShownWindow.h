@@ -19,7 +19,9 @@ public:
     // The port's name in the program's list.
     static const char* portName() { return "/dev/cu.usbserial-machine"; }
 
-    // Fills the form and presses Write; gives the result's text.
+    // Fills the form and presses Write. speed: as the form shows it.
+    void begin(const std::string& speed, const std::string& file);
+    // Does so and waits for the result; gives its text.
     std::string write(const std::string& speed, const std::string& file);
     // Presses OK in the result window.
     void dismissResult();

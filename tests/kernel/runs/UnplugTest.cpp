@@ -18,34 +18,32 @@ protected:
             transcript, [kind](const TranscriptRecord& record) { return record.kind == kind; }));
     }
 
-    // Each board is written well and then again, in which it is lost: at the n-th frame or reply of
-    // that second write, for every other n from first on. That write ends and says so; the next
-    // board's first is the one after it.
+    // Loses a new board at the n-th frame or reply, for every other n from first on. Each write
+    // ends and says so; that the next one works is seen of the next board, as far as that comes.
     void loseAtEach(const std::string& fault, std::size_t ofOneWrite, std::size_t first) {
         for (std::size_t n = first; n <= ofOneWrite; n += 2) {
-            const std::string text = fault + "@" + std::to_string(ofOneWrite + n);
+            const std::string text = fault + "@" + std::to_string(n);
             SCOPED_TRACE(text);
             m_board.faults = {board::parseFault(text)};
-            std::unique_ptr<GuestProcess> last;
-            untilNotHeldUp(0, [&] { return isLostInTheSecond(last); });
-            expectToldThatItIsLost(*last);
+            std::unique_ptr<GuestProcess> lost;
+            untilNotHeldUp([&] {
+                lost = writeOnANewBoard();
+                return adapter().unplugged();
+            });
+            EXPECT_TRUE(adapter().unplugged()) << story();
+            expectToldThatItIsLost(*lost);
         }
+        m_board.faults = {};
     }
-    // Whether a new board came as far as it was to come.
-    bool isLostInTheSecond(std::unique_ptr<GuestProcess>& last) {
+    std::unique_ptr<GuestProcess> writeOnANewBoard() {
         unplug();
         plugIn();
-        const auto before = adapter().codeFlash();
-        last = flashwrite("500000", m_file.path());
-        if (last->wait() != 0 || adapter().codeFlash() != testing::flashAfter(m_image, before)) {
-            return false;
-        }
-        last = flashwrite("500000", m_file.path());
-        return last->wait() == 1 && adapter().unplugged();
+        auto write = flashwrite("500000", m_file.path());
+        write->wait();
+        return write;
     }
     static void expectToldThatItIsLost(GuestProcess& lost) {
         EXPECT_EQ(lost.wait(), 1) << story();
-        EXPECT_TRUE(adapter().unplugged()) << story();
         const std::string output = lost.output();
         EXPECT_NE(output.find("## Write Failed\nThe writing processing failed\n"),
                   std::string::npos)
@@ -63,13 +61,27 @@ TEST_F(Unplugged, AtEachExchangeOfAWrite) {
     writeAndReadBack("500000", m_file.path(), m_image);
     const std::size_t frames = count(TranscriptRecord::Kind::hostFrame);
     const std::size_t replies = count(TranscriptRecord::Kind::reply);
-    unplug();
     ASSERT_GT(frames, 8U);
     ASSERT_GT(replies, 8U);
     // By turns: each exchange is a frame and a reply.
     loseAtEach("unplug-frame", frames, 1);
     loseAtEach("unplug-reply", replies, 2);
-    m_board.faults = {};
+    unplug();
+    plugIn();
+    writeAndReadBack("500000", m_file.path(), m_image);
+}
+
+// As the board is held in reset, with BREAK before and after its release, and as the zero byte is
+// to be sent.
+TEST_F(Unplugged, AtEachStepOfModeEntry) {
+    for (const char* const step : {"in reset", "BREAK on", "zero byte due", "BREAK off"}) {
+        SCOPED_TRACE(step);
+        m_looseAt = step;
+        const auto lost = writeOnANewBoard();
+        EXPECT_TRUE(hasHappened(step)) << story();
+        expectToldThatItIsLost(*lost);
+    }
+    m_looseAt.clear();
     unplug();
     plugIn();
     writeAndReadBack("500000", m_file.path(), m_image);
