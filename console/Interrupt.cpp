@@ -38,13 +38,16 @@ void say(const char* text) {
 }
 
 // Dies of the signal, as a shell expects of a program that somebody interrupts. A plain exit would
-// close the port, and Linux holds that for half a minute while an adapter takes no more bytes.
+// close the port, and Linux holds that for half a minute while an adapter takes no more bytes: only
+// a signal that is still there for the thread that closes it ends that wait. It is the last one to
+// go, so the signal is sent to the process; and raised, as this thread must go no further.
 void endBySignal(int number) {
     std::signal(number, SIG_DFL);
     sigset_t set;
     sigemptyset(&set);
     sigaddset(&set, number);
     ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    ::kill(::getpid(), number);
     ::raise(number);
 }
 

@@ -6,7 +6,9 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <csignal>
 #include <iostream>
+#include <thread>
 
 namespace flashwriter::kernel {
 namespace {
@@ -16,51 +18,65 @@ using ::testing::HasSubstr;
 using testing::ImageFile;
 using testing::patternImage;
 
+const char* const FAILED_LOG = "## Write Failed\nThe writing processing failed\nERROR:0x";
+
+// Two attempts at programming mode take the program some 5 s; the kernel alone would hold it for
+// ever before a BREAK, and for half a minute at its end.
+constexpr std::chrono::seconds BOUND{10};
+
 class Stuck : public KernelFixture {
 protected:
-    // Writes on an adapter that takes no frame from the n-th on.
-    std::unique_ptr<GuestProcess> beginWrite(const std::string& n) {
-        m_board.faults = {board::parseFault("stuck@" + n)};
+    // Writes on an adapter with this fault.
+    std::unique_ptr<GuestProcess> beginWrite(const std::string& fault) {
+        m_board.faults = {board::parseFault(fault)};
         plugIn();
-        m_begin = std::chrono::steady_clock::now();
         return flashwrite("500000", m_file.path());
     }
-    double secondsSinceBegin() const {
-        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - m_begin;
-        return time.count();
+    static void expectFailsSoon(GuestProcess& program, const std::string& what) {
+        EXPECT_EQ(program.wait(), 1) << program.output() << story();
+        EXPECT_LT(program.took(), BOUND);
+        EXPECT_THAT(program.output(), HasSubstr(FAILED_LOG));
+        EXPECT_TRUE(hasHappened("takes no more bytes")) << story();
+        std::cout << what << ": the write ended after " << program.took().count() << " ms\n";
+    }
+    static bool awaitRecord(const std::string& what) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!hasHappened(what) && std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return hasHappened(what);
     }
 
-    // Two attempts at programming mode take the program some 5 s.
-    static constexpr std::chrono::milliseconds PATIENCE{20000};
-
-    std::chrono::steady_clock::time_point m_begin;
     const std::vector<std::uint8_t> m_image = patternImage(600);
     const ImageFile m_file{"image.bin", m_image};
 };
 
-// Nothing tells this adapter from a board that keeps silent, but the advice has to help with both.
-const char* const REMEDY = "plug the adapter in again.";
-
-const char* const FAILED_LOG = "## Write Failed\nThe writing processing failed\nERROR:0x";
-
-// The kernel alone would hold it for ever before a BREAK, and for half a minute at its end.
 TEST_F(Stuck, FromTheFirstFrameOnEndsAndSaysSo) {
-    const auto program = beginWrite("1");
-    EXPECT_EQ(program->wait(PATIENCE), 1) << program->output() << story();
-    EXPECT_THAT(program->output(), AllOf(HasSubstr(FAILED_LOG), HasSubstr(REMEDY)));
-    std::cout << "stuck from the beginning: the write ended after " << secondsSinceBegin()
-              << " s\n";
+    expectFailsSoon(*beginWrite("stuck@1"), "stuck from the beginning");
 }
 
+// With room for a few bytes of the frame, too, of which the board hears nothing.
 TEST_F(Stuck, AmidAWriteEndsAndSaysSoAndAnotherAdapterIsWritten) {
-    const auto program = beginWrite("8");
-    EXPECT_EQ(program->wait(PATIENCE), 1) << program->output() << story();
-    EXPECT_THAT(program->output(), AllOf(HasSubstr(FAILED_LOG), HasSubstr(REMEDY)));
-    std::cout << "stuck amid a write: it ended after " << secondsSinceBegin() << " s\n";
+    expectFailsSoon(*beginWrite("stuck@8"), "stuck amid a write");
+    unplug();
+    expectFailsSoon(*beginWrite("stuck:100@9"), "stuck amid a frame");
     unplug();
     m_board.faults = {};
     plugIn();
     writeAndReadBack("500000", m_file.path(), m_image);
+}
+
+// The zero byte of mode entry waits in the kernel when the signal comes.
+TEST_F(Stuck, DiesOfAnInterruptAndLeavesThePortFree) {
+    const auto program = beginWrite("stuck@1");
+    ASSERT_TRUE(awaitRecord("DTR off")) << story();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    program->signal(SIGINT);
+    EXPECT_EQ(program->wait(), 128 + SIGINT) << program->output() << story();
+    EXPECT_LT(program->took(), std::chrono::seconds(2));
+    const auto again = flashwrite("500000", m_file.path());
+    expectFailsSoon(*again, "stuck, and interrupted before");
+    EXPECT_EQ(adapter().closings(), 2U) << story();
 }
 
 } // namespace
