@@ -1,6 +1,7 @@
 #include "board/Adapter.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace flashwriter::board {
@@ -49,6 +50,15 @@ TranscriptRecord::Kind recordKind(TargetEvent::Kind kind) {
     return TranscriptRecord::Kind::mode;
 }
 
+// Makes noise of the bytes for a host that listens at another speed; false then.
+bool arriveWell(Bytes& bytes, std::uint32_t boardSpeed, std::uint32_t hostSpeed) {
+    const bool well = speedsAgree(hostSpeed, boardSpeed);
+    if (!well) {
+        std::transform(bytes.begin(), bytes.end(), bytes.begin(), garble);
+    }
+    return well;
+}
+
 } // namespace
 
 Adapter::Adapter(const BoardOptions& options, HostPort& port, BoardTime now)
@@ -80,6 +90,22 @@ void Adapter::hostBytes(std::span<const std::uint8_t> bytes, BoardTime now) {
         m_inFlight.push_back(flying);
     }
     advance(now);
+}
+
+void Adapter::speedChanged(BoardTime now) {
+    advance(now);
+    auto waiting = std::find_if(m_inFlight.begin(), m_inFlight.end(),
+                                [now](const InFlight& flying) { return flying.byte.begin > now; });
+    if (waiting == m_inFlight.end()) {
+        return;
+    }
+    const std::uint32_t speed = m_port.bitsPerSecond();
+    m_wire.freeFrom(waiting == m_inFlight.begin() ? now : std::prev(waiting)->byte.end);
+    for (; waiting != m_inFlight.end(); ++waiting) {
+        waiting->byte.begin = m_wire.freeAt();
+        waiting->byte.end = m_wire.occupy(now, 1, speed);
+        waiting->hostSpeed = speed;
+    }
 }
 
 bool Adapter::collides(BoardTime now) const {
@@ -181,8 +207,13 @@ void Adapter::queueReply(const TargetEvent& event, TranscriptRecord record) {
 }
 
 void Adapter::queueChatter(const TargetEvent& event, TranscriptRecord record) {
-    if (!m_open) {
-        return; // nobody hears it, and a transcript of it would grow without end
+    if (!m_open) { // a transcript of it would grow without end
+        if (isHeard()) {
+            Bytes bytes = event.bytes;
+            arriveWell(bytes, event.bitsPerSecond, m_port.bitsPerSecond());
+            m_port.send(bytes);
+        }
+        return;
     }
     const BoardTime due =
         m_chatterWire.occupy(event.begin, event.bytes.size(), event.bitsPerSecond);
@@ -209,13 +240,11 @@ void Adapter::sendDue(BoardTime now) {
 void Adapter::hand(Outgoing& outgoing, BoardTime now) {
     TranscriptRecord& record = m_transcript[outgoing.record];
     record.hostSpeed = m_port.bitsPerSecond();
-    if (!m_open) {
+    if (!isHeard()) {
         record.meaning += " (the port is closed)";
         return;
     }
-    if (!speedsAgree(record.hostSpeed, outgoing.boardSpeed)) {
-        std::transform(outgoing.bytes.begin(), outgoing.bytes.end(), outgoing.bytes.begin(),
-                       garble);
+    if (!arriveWell(outgoing.bytes, outgoing.boardSpeed, record.hostSpeed)) {
         record.meaning += " (noise for the host: it listens at another speed)";
     }
     if (outgoing.unplugAfter && *outgoing.unplugAfter < outgoing.bytes.size()) {

@@ -37,6 +37,11 @@ public:
     // The host has handed these bytes to the adapter.
     void hostBytes(std::span<const std::uint8_t> bytes, BoardTime now);
 
+    // The host has set another speed: what is in hand goes out at that one, but for the byte that
+    // is on the wire. A port that does not tell lets bytes keep the speed at which they were
+    // handed.
+    void speedChanged(BoardTime now);
+
     // How many bytes may be handed over now. 0 while the adapter is stuck or has enough in hand.
     std::size_t room() const;
 
@@ -78,6 +83,7 @@ private:
     void queueChatter(const TargetEvent& event, TranscriptRecord record);
     void sendDue(BoardTime now);
     void hand(Outgoing& outgoing, BoardTime now);
+    bool isHeard() const { return m_open || m_port.receivesWhileClosed(); }
     void dropOutgoing();
     bool collides(BoardTime now) const;
 

@@ -30,6 +30,9 @@ public:
     // of their last bit.
     BoardTime occupy(BoardTime from, std::size_t bytes, std::uint32_t bitsPerSecond);
 
+    // The line is free from that moment on after all.
+    void freeFrom(BoardTime moment) { m_free = moment; }
+
     // When the line is free again.
     BoardTime freeAt() const { return m_free; }
     bool paced() const { return m_paced; }

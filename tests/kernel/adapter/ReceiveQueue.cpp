@@ -6,7 +6,7 @@ namespace flashwriter::kernel {
 
 namespace {
 
-constexpr std::size_t kCapacity = 4096; // bytes; more are lost, as in a real one
+constexpr std::size_t kCapacity = 512; // bytes, as the larger chips have; more are lost
 
 } // namespace
 
@@ -20,6 +20,7 @@ std::size_t ReceiveQueue::push(std::span<const std::uint8_t> bytes) {
 void ReceiveQueue::moveTo(Bytes& bytes, std::size_t count) {
     const auto end = m_bytes.begin() + static_cast<std::ptrdiff_t>(std::min(count, m_bytes.size()));
     bytes.insert(bytes.end(), m_bytes.begin(), end);
+    m_taken += static_cast<std::size_t>(end - m_bytes.begin());
     m_bytes.erase(m_bytes.begin(), end);
 }
 

@@ -23,6 +23,9 @@ public:
     // What the host gets that has asked for so many bytes; nothing: it has to wait.
     virtual std::optional<Bytes> take(std::size_t length, BoardTime now) = 0;
 
+    // How many bytes the host has taken so far.
+    std::size_t taken() const { return m_taken; }
+
     // When a host that waits gets something even if nothing more comes from the board.
     virtual std::optional<BoardTime> nextDeadline() const = 0;
 
@@ -33,6 +36,7 @@ protected:
 
 private:
     std::deque<std::uint8_t> m_bytes;
+    std::size_t m_taken = 0;
 };
 
 // Hands the bytes over as they are, as soon as there are some.

@@ -30,6 +30,10 @@ std::chrono::milliseconds UsbAdapter::latencyTimer() const {
     return loop().look([this] { return loop().device().latencyTimer(); });
 }
 
+std::size_t UsbAdapter::takenBeforeFrames() const {
+    return loop().look([this] { return loop().device().takenBeforeFrames(); });
+}
+
 const DeviceLoop& UsbAdapter::loop() const {
     if (!m_running) {
         throw std::logic_error("the adapter has not been plugged in");

@@ -47,6 +47,9 @@ public:
     std::uint32_t bitsPerSecond() const;
     std::chrono::milliseconds latencyTimer() const;
 
+    // How many bytes of the board the host has taken before its first frame.
+    std::size_t takenBeforeFrames() const;
+
 private:
     const DeviceLoop& loop() const;
     const board::BoardLoop& board() const override;

@@ -13,8 +13,12 @@ UsbDevice::UsbDevice(AdapterKind kind, const board::BoardOptions& options, Board
 
 std::optional<Bytes> UsbDevice::control(const SetupPacket& setup,
                                         std::span<const std::uint8_t> data, BoardTime now) {
+    const std::uint32_t speed = hostSpeed();
     std::optional<Bytes> answer = isStandard(setup) ? standardRequest(m_description, setup)
                                                     : m_chip->request(setup, data, now);
+    if (hostSpeed() != speed) {
+        m_board.speedChanged(now);
+    }
     if (answer) {
         answer->resize(std::min<std::size_t>(answer->size(), setup.length));
     }
@@ -83,6 +87,9 @@ void UsbDevice::advance(BoardTime now) {
     m_board.advance(now);
     m_pipes.takeFromHost(m_board, now);
     m_pipes.giveToHost(m_chip->queue(), now);
+    if (m_board.target().hostFramesBegun() == 0) {
+        m_takenBeforeFrames = m_chip->queue().taken();
+    }
 }
 
 std::optional<BoardTime> UsbDevice::nextDeadline() const {

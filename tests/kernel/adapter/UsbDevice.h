@@ -51,12 +51,15 @@ public:
     bool hasEndpoint(std::uint8_t address, std::uint8_t type) const;
 
     const board::Adapter& board() const { return m_board; }
+    // How many bytes of the board the host has taken before its first frame.
+    std::size_t takenBeforeFrames() const { return m_takenBeforeFrames; }
     std::uint32_t hostSpeed() const { return m_chip->bitsPerSecond(); }
     std::chrono::milliseconds latencyTimer() const { return m_chip->latencyTimer(); }
 
 private:
     std::uint32_t bitsPerSecond() override { return m_chip->bitsPerSecond(); }
     std::size_t send(std::span<const std::uint8_t> bytes) override;
+    bool receivesWhileClosed() const override { return true; }
     void unplug() override {} // seen by the board's own word for it
     void jam(std::size_t room) override { m_pipes.jam(room); }
 
@@ -68,6 +71,7 @@ private:
     BulkPipes m_pipes;
     FinishedTransfers m_refused;
     std::uint8_t m_configuration = 0;
+    std::size_t m_takenBeforeFrames = 0;
     board::Adapter m_board; // last: it may speak to its port at once
 };
 

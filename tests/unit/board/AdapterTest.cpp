@@ -23,10 +23,12 @@ public:
     }
     void unplug() override { unplugged = true; }
     void jam(std::size_t room) override { jammedTo = room; }
+    bool receivesWhileClosed() const override { return listens; }
 
     std::uint32_t speed = 115200;
     Bytes received;
     bool unplugged = false;
+    bool listens = false; // while it is closed
     std::size_t jammedTo = 9999;
 };
 
@@ -88,6 +90,19 @@ TEST_F(AdapterTest, BytesTakeElevenBitTimesEachWay) {
     EXPECT_EQ(send(kResetFrame), kAcknowledged);
     EXPECT_GE(m_now - before, bytesAt115200(10));
     EXPECT_LE(m_now - before, bytesAt115200(10) + 1us);
+}
+
+TEST_F(AdapterTest, WhatIsInHandGoesOutAtANewSpeedOnceThatIsTold) {
+    make();
+    m_port.speed = 9600;
+    m_adapter->hostBytes(Bytes(10, 'x'), m_now);
+    m_now = wireTime(2, 9600) - 1us; // amid the second byte
+    m_port.speed = 115200;
+    m_adapter->speedChanged(m_now);
+    EXPECT_GE(m_adapter->nextDeadline().value(), wireTime(2, 9600) + bytesAt115200(8) - 1us);
+    EXPECT_LE(m_adapter->nextDeadline().value(), wireTime(2, 9600) + bytesAt115200(8));
+    m_adapter->speedChanged(1h); // nothing is in hand any more
+    EXPECT_TRUE(m_adapter->idle());
 }
 
 TEST_F(AdapterTest, WithoutPaceNothingTakesTime) {
@@ -280,6 +295,25 @@ TEST_F(AdapterTest, TranscriptGivesTheHostsOverheadPerDataFrame) {
     ASSERT_EQ(overheads.size(), 3U);
     EXPECT_NEAR(static_cast<double>(overheads[0]), 2000.0, 1.0);
     EXPECT_NEAR(static_cast<double>(overheads[2]), 4000.0, 1.0);
+}
+
+// It says something every 10 ms, at a speed that the host hears well at first.
+TEST_F(AdapterTest, AClosedPortHearsTheBoardIfItGoesOnReceiving) {
+    BoardOptions options;
+    options.target.monitor = {"hi", 10ms, 115200};
+    for (const bool listens : {false, true}) {
+        m_port.listens = listens;
+        m_port.speed = 115200;
+        Adapter adapter(options, m_port);
+        const std::size_t records = adapter.transcript().size();
+        adapter.advance(1ms);
+        EXPECT_EQ(m_port.received, listens ? (Bytes{'h', 'i'}) : Bytes{});
+        m_port.speed = 9600;
+        adapter.advance(11ms);
+        EXPECT_EQ(m_port.received.size(), listens ? 4U : 0U);
+        EXPECT_EQ(std::count(m_port.received.begin(), m_port.received.end(), 'h'), listens ? 1 : 0);
+        EXPECT_EQ(adapter.transcript().size(), records);
+    }
 }
 
 } // namespace

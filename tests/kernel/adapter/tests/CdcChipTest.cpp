@@ -4,6 +4,7 @@
 #include "DeviceHost.h"
 
 #include <algorithm>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -40,6 +41,15 @@ TEST(CdcChip, KeepsTheLineCoding) {
     EXPECT_EQ(host.device().hostSpeed(), 500000U);
     EXPECT_EQ(host.ask(kGetLineCoding, 0, 7), codingFor(500000));
     EXPECT_EQ(host.device().latencyTimer(), 0ms);
+}
+
+TEST(CdcChip, ANewSpeedIsThatOfWhatIsInHand) {
+    DeviceHost host(AdapterKind::cdcAcm);
+    host.tell(kLineState, 3);
+    host.handBytes(Bytes(100), kCdcOut); // 114 ms at 9600 bits per second
+    host.tell(kSetLineCoding, 0, codingFor(115200));
+    host.wait(15ms);
+    EXPECT_TRUE(host.device().board().idle());
 }
 
 TEST(CdcChip, RefusesALineCodingThatIsNone) {
@@ -106,6 +116,25 @@ TEST(CdcChip, BytesWaitForAHostThatAsksLate) {
     host.handBytes(commandFrame({0x9A, 0, 33}), kCdcOut);
     host.wait(10ms);
     EXPECT_EQ(host.finished(host.askForBytes(64)).value().data, kAcknowledged);
+}
+
+// A board that runs as long as nobody opens the port; the chip has no room for all that it says.
+TEST(CdcChip, KeepsWhatTheBoardSaysWhileThePortIsClosed) {
+    board::BoardOptions options;
+    options.target.monitor = {std::string(100, 'x'), 10ms, 9600};
+    DeviceHost host(AdapterKind::cdcAcm, options);
+    for (int i = 0; i < 50; ++i) {
+        host.wait(10ms);
+    }
+    EXPECT_EQ(host.device().takenBeforeFrames(), 0U);
+    host.tell(kLineState, 3);
+    EXPECT_EQ(host.finished(host.askForBytes(8192)).value().data, Bytes(512, 'x'));
+    EXPECT_EQ(host.device().takenBeforeFrames(), 512U);
+    enterProgrammingMode(host);
+    host.handBytes(commandFrame({0x9A, 0, 33}), kCdcOut);
+    host.wait(10ms);
+    EXPECT_EQ(host.finished(host.askForBytes(64)).value().data, kAcknowledged);
+    EXPECT_EQ(host.device().takenBeforeFrames(), 512U);
 }
 
 } // namespace

@@ -32,12 +32,13 @@ constexpr std::uint16_t kBreakOff = 0x1008;
 
 const Bytes kIdle{0x01, 0x60};
 
-// A board that says so many bytes when it runs, once.
+// A board that says so many bytes when it runs, once; DTR lets it.
 DeviceHost talking(std::size_t bytes) {
     board::BoardOptions options;
     options.pace = false;
     options.target.monitor.text = std::string(bytes, 'x');
     options.target.monitor.interval = 0ms;
+    options.target.invertedDtr = true;
     return DeviceHost(AdapterKind::ftdiSio, options);
 }
 
@@ -103,7 +104,7 @@ TEST(FtdiChip, OnlyFullPacketsDoNotWaitForTheLatencyTimer) {
     host.askForBytes(64);
     const std::uint64_t full = host.askForBytes(64);
     const std::uint64_t longer = host.askForBytes(512);
-    host.tell(kModemControl, 0x0302); // RTS only, so the board runs, and speaks
+    host.tell(kModemControl, kRaiseBoth); // so the board runs, and speaks
     host.wait(1ms);
     EXPECT_EQ(lengthOf(host, full), 64U);
     EXPECT_EQ(lengthOf(host, longer), 0U);
@@ -116,7 +117,7 @@ TEST(FtdiChip, OnlyFullPacketsDoNotWaitForTheLatencyTimer) {
 TEST(FtdiChip, AResetForgetsWhatTheHostHasNotTaken) {
     for (const std::uint16_t what : {std::uint16_t{0}, std::uint16_t{1}, std::uint16_t{2}}) {
         DeviceHost host = talking(10);
-        host.tell(kModemControl, 0x0302);
+        host.tell(kModemControl, kRaiseBoth);
         host.wait(1ms);
         EXPECT_TRUE(host.tell(kReset, what));
         EXPECT_EQ(lengthOf(host, host.askForBytes(64)), what == 2 ? 12U : 2U);
