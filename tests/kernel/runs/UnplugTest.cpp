@@ -71,10 +71,10 @@ TEST_F(Unplugged, AtEachExchangeOfAWrite) {
     writeAndReadBack("500000", m_file.path(), m_image);
 }
 
-// As the board is held in reset, with BREAK before and after its release, and as the zero byte is
-// to be sent.
-TEST_F(Unplugged, AtEachStepOfModeEntry) {
-    for (const char* const step : {"in reset", "BREAK on", "zero byte due", "BREAK off"}) {
+// With BREAK as the board is held in reset and after its release, and as the zero byte is to be
+// sent.
+TEST_F(Unplugged, InModeEntry) {
+    for (const char* const step : {"BREAK on", "zero byte due", "BREAK off"}) {
         SCOPED_TRACE(step);
         m_looseAt = step;
         const auto lost = writeOnANewBoard();

@@ -100,18 +100,17 @@ TEST_F(Window, WritesBothKindsOfFilesAtBothSpeeds) {
 }
 
 TEST_F(Window, ListensAndWritesInBothSensesOfDtr) {
+    plugIn();
+    ShownWindow window(guest(), port());
     for (const bool inverted : {false, true}) {
         SCOPED_TRACE(inverted);
+        unplug();
         m_board.target.invertedDtr = inverted;
         plugIn();
-        {
-            ShownWindow window(guest(), port());
-            openMonitor(window);
-            window.hands().waitText("logDispTextView", "Hello there.\nHello there.\n");
-            closeMonitor(window);
-            writeAndReadBack(window, "500,000 bps", m_files.entries().front());
-        }
-        unplug();
+        openMonitor(window);
+        window.hands().waitText("logDispTextView", "Hello there.\nHello there.\n");
+        closeMonitor(window);
+        writeAndReadBack(window, "500,000 bps", m_files.entries().front());
     }
 }
 
