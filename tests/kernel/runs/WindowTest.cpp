@@ -66,6 +66,7 @@ protected:
             return window.hands().visible("resultMessage");
         });
         EXPECT_THAT(window.hands().waitText("resultMessage", "."), HasSubstr(FAILURE));
+        window.hands().waitText("resultAdvice", "plug the adapter in again");
         window.dismissResult();
         EXPECT_TRUE(window.hands().enabled("writeButton"));
         return isTold;
