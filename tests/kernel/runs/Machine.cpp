@@ -8,7 +8,7 @@ namespace {
 
 Machine* theMachine = nullptr;
 
-// One run makes some 60 writes, and on a machine at rest none of them twice.
+// One run makes some 40 writes, and on a machine at rest none of them twice.
 constexpr int REPEATS = 3;
 
 } // namespace
