@@ -37,7 +37,7 @@ TEST_F(TheMachine, RunsSeveralAtOnceAndSignalsThem) {
 }
 
 TEST_F(TheMachine, LivesByTheClockOnTheWall) {
-    const auto seconds = [this] { return std::stod(guest().shell("date +%s.%N")); };
+    const auto seconds = [] { return std::stod(guest().shell("date +%s.%N")); };
     const auto begin = std::chrono::steady_clock::now();
     const double before = seconds();
     guest().shell("sleep 1");
