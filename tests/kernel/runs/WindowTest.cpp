@@ -17,6 +17,7 @@ using ::testing::HasSubstr;
 
 const char* const RESULT = "The writing processing succeeded. ";
 const char* const FAILURE = "The writing processing failed";
+const char* const STANDSTILL = "Nothing has happened for a while: the board is silent";
 constexpr std::chrono::seconds LIVELY{2}; // a person takes a window that is longer silent for dead
 constexpr std::chrono::seconds SOON{10};  // whatever the window is asked to do takes 5 s at most
 
@@ -62,7 +63,7 @@ protected:
         bool isTold = false;
         expectLivelyUntil(window, [&] {
             isTold = isTold || (window.hands().visible("progressWindow") &&
-                                window.hands().text("progressHint").starts_with("Nothing has"));
+                                window.hands().text("progressHint").starts_with(STANDSTILL));
             return window.hands().visible("resultMessage");
         });
         EXPECT_THAT(window.hands().waitText("resultMessage", "."), HasSubstr(FAILURE));
