@@ -1,7 +1,7 @@
 #include "tests/kernel/runs/KernelFixture.h"
 
 #include "board/Transcript.h"
-#include "tests/kernel/runs/HeldUp.h"
+#include "tests/support/HeldUp.h"
 
 #include <algorithm>
 
@@ -58,7 +58,7 @@ void KernelFixture::untilNotHeldUp(const std::function<bool()>& attempt) {
             m_attempt = adapter().transcript().size();
         }
         if (attempt() || attempts == ATTEMPTS ||
-            !wasHeldUp(adapter().transcript(), m_attempt.value())) {
+            !board::wasHeldUp(adapter().transcript(), m_attempt.value())) {
             return;
         }
         Machine::the().noteRepeat();

@@ -1,14 +1,12 @@
-#include "tests/kernel/runs/HeldUp.h"
+#include "tests/support/HeldUp.h"
 
-namespace flashwriter::kernel {
+namespace flashwriter::board {
 
 namespace {
 
 // Microseconds. A program's next frame comes a few milliseconds after an answer; the shortest time
 // that a program waits for an answer and a board for the program is 100 ms.
 constexpr std::int64_t LONG = 80000;
-
-using board::TranscriptRecord;
 
 // What a program has to follow up soon: an answer, and the release of reset.
 bool callsForMore(const TranscriptRecord& record) {
@@ -24,7 +22,7 @@ bool isOfHost(const TranscriptRecord& record) {
 
 } // namespace
 
-bool wasHeldUp(const board::Transcript& transcript, std::size_t from) {
+bool wasHeldUp(const Transcript& transcript, std::size_t from) {
     const TranscriptRecord* last = nullptr;
     for (std::size_t i = from; i < transcript.size(); ++i) {
         const TranscriptRecord& record = transcript[i];
@@ -42,4 +40,4 @@ bool wasHeldUp(const board::Transcript& transcript, std::size_t from) {
     return false;
 }
 
-} // namespace flashwriter::kernel
+} // namespace flashwriter::board

@@ -1,13 +1,11 @@
 // How a hold-up of the machine is seen, by transcripts made up for it.
-#include "tests/kernel/runs/HeldUp.h"
+#include "tests/support/HeldUp.h"
 
 #include <gtest/gtest.h>
 
-namespace flashwriter::kernel {
+namespace flashwriter::board {
 namespace {
 
-using board::Transcript;
-using board::TranscriptRecord;
 using Kind = TranscriptRecord::Kind;
 
 TranscriptRecord at(std::int64_t milliseconds, Kind kind, const std::string& meaning = "") {
@@ -42,4 +40,4 @@ TEST(HeldUp, CountsFromTheRecordThatIsGiven) {
 }
 
 } // namespace
-} // namespace flashwriter::kernel
+} // namespace flashwriter::board
