@@ -13,14 +13,12 @@ failed=0
 skipped=0
 unexpected_skips=0
 finished=no
-slow_pid=""
 begin=$SECONDS
 
 # Also when stopped amid a stage whose output goes elsewhere.
 summary() {
     local status=$?
     exec >&3 2>&3
-    [[ -z $slow_pid ]] || kill -- "-$slow_pid" 2>/dev/null || true
     if [[ $finished != yes ]]; then
         echo
         echo "STOPPED before the end (status $status): counted as one failed."
@@ -103,19 +101,15 @@ count_results() {
         END { tell() }' "$1")
 }
 
-# with_ctest <name> <preset> <ctest argument>...: runs tests of a built preset; what comes out is in
-# build/<name>.junit.xml, and all that is said in build/<name>.ctest.log.
-with_ctest() {
-    local name=$1 preset=$2
-    shift 2
-    rm -f "build/$name.junit.xml"
-    "$run" ctest --test-dir "build/$preset" --output-on-failure --no-tests=error --timeout 300 \
-        --output-junit "$PWD/build/$name.junit.xml" "$@" >"build/$name.ctest.log" 2>&1
-}
-
-# add_up <name> <ctest's status> <when it was started>: adds what came out of with_ctest to the totals.
-add_up() {
-    local junit="build/$1.junit.xml" log="build/$1.ctest.log" status=$2 start=$3
+# run_tests <preset> <ctest argument>...: runs tests of a built preset and adds up what came out.
+run_tests() {
+    local preset=$1 status=0 start=$SECONDS
+    local junit="$PWD/build/$preset/junit.xml" log="build/$preset.ctest.log"
+    shift
+    rm -f "$junit"
+    # Twice as many tests as processors: most of them wait for time-outs most of the time.
+    "$run" ctest --test-dir "build/$preset" -j "$((2 * $(nproc)))" --output-on-failure --no-tests=error \
+        --timeout 300 --output-junit "$junit" "$@" >"$log" 2>&1 || status=$?
     counted_failures=0
     if [[ -s $junit ]]; then
         count_results "$junit"
@@ -134,27 +128,11 @@ add_up() {
     echo "-- FAILED after $((SECONDS - start)) s; all of it: $log"
 }
 
-# run_tests <name> <preset> <ctest argument>...
-run_tests() {
-    local name=$1 status=0 start=$SECONDS
-    # Twice as many tests as processors: most of them wait for time-outs most of the time.
-    with_ctest "$@" -j "$((2 * $(nproc)))" || status=$?
-    add_up "$name" "$status" "$start"
-}
-
 # The sanitizers' run-time libraries want memory where a kernel with much address randomisation may
 # not leave it free; their programs, which the build starts too, run without randomisation where that
 # is allowed.
 plainly() { "$@"; }
 unrandomised() { setarch "$(uname -m)" -R "$@"; }
-# On what everything else leaves of the processors, which nothing notices that has to be in time.
-idly() {
-    if chrt --idle 0 true 2>/dev/null; then
-        chrt --idle 0 "$@"
-    else
-        nice -n 19 "$@"
-    fi
-}
 
 # test_preset <preset> <what it is, in words> <ctest argument>...
 test_preset() {
@@ -164,25 +142,8 @@ test_preset() {
         built+=" $preset "
         echo
         echo "== Running the tests of it"
-        run_tests "$preset" "$preset" "$@"
+        run_tests "$preset" "$@"
     fi
-}
-
-# These two want the processors for minutes and care for no clock: they run beside the tests, which
-# wait for most of their time.
-slow_checks='^checks\.(tidy|macos-cross-build)$'
-start_slow_checks() {
-    slow_begin=$SECONDS
-    set -m # a process group of its own, to be ended with all that it starts
-    run=idly with_ctest slow-checks release -R "$slow_checks" &
-    slow_pid=$!
-    set +m
-}
-finish_slow_checks() {
-    local status=0
-    wait "$slow_pid" || status=$?
-    slow_pid=""
-    add_up slow-checks "$status" "$slow_begin"
 }
 
 export UBSAN_OPTIONS=${UBSAN_OPTIONS-print_stacktrace=1}
@@ -190,16 +151,11 @@ built=""
 run=plainly
 if stage "Looking for the Debian packages that building and testing need" \
     scripts/install-packages.sh test; then
-    if stage "Building the program as users run it (GCC, optimised)" build_preset release; then
-        built+=" release "
-        echo
-        echo "== Running the tests of it; on what these leave of the processors, in the meantime: looking" \
-            "for faults in the sources, and the macOS cross build"
-        start_slow_checks
-        run_tests release release -LE 'checks|kernel'
+    test_preset release "the program as users run it (GCC, optimised)" -LE 'checks|kernel'
+    if [[ $built == *" release "* ]]; then
         echo
         echo "== Running the programs on the system's own serial drivers, in emulated machines"
-        run_tests kernel release -L kernel
+        run_tests release -L kernel
     fi
     if unrandomised true 2>/dev/null; then
         run=unrandomised
@@ -209,11 +165,9 @@ if stage "Looking for the Debian packages that building and testing need" \
     run=plainly
     if [[ $built == *" release "* ]]; then
         echo
-        echo "== Checking the tree: layout of the sources, scripts, documents, layers, use from another build"
-        run_tests checks release -L checks -E "$slow_checks"
-        echo
-        echo "== What came out of looking for faults in the sources, and of the macOS cross build"
-        finish_slow_checks
+        echo "== Checking the tree: layout and faults of the sources, scripts, documents, layers," \
+            "the macOS cross build, use from another build"
+        run_tests release -L checks
     else
         echo
         echo "== The checks cannot run without the release build: counted as one failed."

@@ -40,7 +40,7 @@ TEST_P(FaultLoop, EndsInTheTruth) {
     m_board.stop();
     const std::size_t descriptors = entriesOf("/proc/self/fd");
     const std::size_t threads = entriesOf("/proc/self/task");
-    const std::uint32_t step = GetParam().frames > 4 ? 3 : 1; // each frame waits for real time-outs
+    const std::uint32_t step = GetParam().frames > 4 ? 5 : 1; // each frame waits for real time-outs
     for (std::uint32_t n = 1; n <= GetParam().frames; n += step) {
         runWithFaultAt(n);
         EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
