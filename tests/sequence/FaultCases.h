@@ -3,9 +3,10 @@
 
 #include "board/Fault.h"
 
-#include <array>
+#include <cstdint>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace flashwriter {
 

@@ -265,7 +265,6 @@ TEST_F(Write, WithOnePerTimeLeavesNothingBehind) {
     }
 }
 
-// The main thread may put another delegate in place at any moment of a write.
 // On the thread of the write and on the one that receives.
 TEST_F(Write, DoesNotDependOnADiagnosticLogThatThrows) {
     setDiagnosticSink([](const char* /*text*/) { throw std::bad_alloc(); });
@@ -279,6 +278,7 @@ TEST_F(Write, DoesNotDependOnADiagnosticLogThatThrows) {
     EXPECT_EQ(m_board.codeFlash(), flashAfter(image, m_board.codeFlash()));
 }
 
+// The main thread may put another delegate in place at any moment of a write.
 TEST_F(Write, LosesNoLineWhenItsDelegateChangesMeanwhile) {
     class Delegate : public NSSequenceProcessorDelegate {
     public:

@@ -6,10 +6,10 @@
 
 namespace flashwriter::board {
 
-// Whether the program's machine, or an emulated one, was held up for longer than a board waits in
-// mode entry or a program for an answer: from that record of the transcript on, and by what the
-// board saw. A write may fail by it, as on any computer that is too slow; it tells nothing of the
-// program.
+// Whether the host was late for longer than a board waits in mode entry or a program for an answer:
+// from that record of the transcript on, and by what the board saw. A write may fail by it. The
+// board cannot tell a machine that was held up from a program that dawdles, so whoever excuses a
+// write for it has to bound how many.
 bool wasHeldUp(const Transcript& transcript, std::size_t from);
 
 } // namespace flashwriter::board
