@@ -15,20 +15,29 @@ std::string diskAdvice(const FailureFacts& facts, int error) {
 }
 
 std::string refusedFileAdvice(const FailureFacts& facts) {
-    if (facts.file.error == EIO) {
+    const std::string& path = facts.filePath;
+    const std::string reason = std::strerror(facts.file.error);
+    switch (facts.file.error) {
+    case EACCES:
+    case EPERM:
+        return path + " may not be read: " + reason + ". Check its permissions.";
+    case EIO:
         return diskAdvice(facts, EIO);
-    }
-    if (facts.file.error == ELOOP) {
-        return facts.filePath + " leads nowhere: a link on the way leads back to itself, or there "
-                                "are too many of them. Name the image itself, or make the link "
-                                "again.";
-    }
-    if (facts.file.error == EMFILE || facts.file.error == ENFILE) {
-        return facts.filePath + " cannot be opened now: " + std::strerror(facts.file.error) +
+    case ELOOP:
+        return path + " leads nowhere: a link on the way leads back to itself, or there are too "
+                      "many of them. Name the image itself, or make the link again.";
+    case ENAMETOOLONG:
+        return path + " is a longer path than the system takes: check it, or move the image to "
+                      "where its path is shorter.";
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+        return path + " cannot be opened now: " + reason +
                ". Close other programs, or start this one again.";
+    default:
+        return path + " cannot be opened: " + reason +
+               ". Check the disk that it is on, or put the image on another.";
     }
-    return facts.filePath + " may not be read: " + std::strerror(facts.file.error) +
-           ". Check its permissions.";
 }
 
 // Why a file could not be read; empty when it can be, now.

@@ -48,15 +48,38 @@ TEST(FileAdvice, ALoopOfLinksIsToldFromARefusal) {
     }
 }
 
-// A process may have only so many, and so may the system.
-TEST(FileAdvice, TooManyOpenFilesAreNoMatterOfPermissions) {
+// A process may have only so many files open, and so may the system.
+TEST(FileAdvice, AShortageIsNoMatterOfPermissions) {
     FailureFacts facts = goodFacts();
     facts.file.state = FileState::NotReadable;
-    for (const int error : {EMFILE, ENFILE}) {
+    for (const int error : {EMFILE, ENFILE, ENOMEM}) {
         facts.file.error = error;
         EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
                   std::string("image.bin cannot be opened now: ") + std::strerror(error) +
                       ". Close other programs, or start this one again.");
+    }
+}
+
+TEST(FileAdvice, APathThatIsTooLongIsNoMatterOfPermissions) {
+    FailureFacts facts = goodFacts();
+    facts.file.state = FileState::NotReadable;
+    facts.file.error = ENAMETOOLONG;
+    EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+              "image.bin is a longer path than the system takes: check it, or move the image to "
+              "where its path is shorter.");
+}
+
+TEST(FileAdvice, OnlyARefusalIsAMatterOfPermissions) {
+    FailureFacts facts = goodFacts();
+    facts.file.state = FileState::NotReadable;
+    facts.file.error = EPERM;
+    EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+              "image.bin may not be read: Operation not permitted. Check its permissions.");
+    for (const int error : {ESTALE, ENODEV, ENXIO}) {
+        facts.file.error = error;
+        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+                  std::string("image.bin cannot be opened: ") + std::strerror(error) +
+                      ". Check the disk that it is on, or put the image on another.");
     }
 }
 
