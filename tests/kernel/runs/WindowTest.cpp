@@ -103,14 +103,17 @@ TEST_F(Window, WritesBothKindsOfFilesAtBothSpeeds) {
     }
 }
 
+// At the monitor's first speed, and at one that the kernel has no name of its own for.
 TEST_F(Window, ListensAndWritesInBothSensesOfDtr) {
     plugIn();
     ShownWindow window(guest(), port());
-    for (const bool inverted : {false, true}) {
+    for (const auto& [inverted, speed] : {std::pair(false, 9600U), std::pair(true, 250000U)}) {
         SCOPED_TRACE(inverted);
         unplug();
         m_board.target.invertedDtr = inverted;
+        m_board.target.monitor.bitsPerSecond = speed;
         plugIn();
+        window.hands().type("monitorBaudRateComboBox", std::to_string(speed));
         openMonitor(window);
         window.hands().waitText("logDispTextView", "Hello there.\nHello there.\n");
         closeMonitor(window);
