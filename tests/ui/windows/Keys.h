@@ -17,7 +17,8 @@ enum ScanCode : quint32 {
     SCAN_X = 53,
     SCAN_C = 54,
     SCAN_V = 55,
-    SCAN_B = 56
+    SCAN_B = 56,
+    SCAN_INSERT = 118
 };
 
 inline QKeyEvent keyEvent(quint32 scanCode, Qt::Key key, const QString& text = {},

@@ -23,6 +23,7 @@ private slots:
     void doesTheShortcutsOfKeysPressed();
     void doesNothingByCharacters_data();
     void doesNothingByCharacters();
+    void copiesAndPastesByTheInsertKey();
     void claimsItsKeysBeforeShortcutsOfTheWindow();
     void leavesOtherKeysToShortcutsOfTheWindow();
     void takesWhatIsTyped();
@@ -95,6 +96,15 @@ void LogViewEventsTest::doesNothingByCharacters() {
     QCOMPARE(m_view->toPlainText(), QString("one two three"));
     QCOMPARE(selected(), QString("one two three"));
     QCOMPARE(QApplication::clipboard()->text(), QString("before"));
+}
+
+// Which is the same key on every layout.
+void LogViewEventsTest::copiesAndPastesByTheInsertKey() {
+    QVERIFY(send(keyEvent(SCAN_INSERT, Qt::Key_Insert)));
+    QCOMPARE(QApplication::clipboard()->text(), QString("two"));
+    m_view->moveCursor(QTextCursor::Start);
+    QVERIFY(send(keyEvent(SCAN_INSERT, Qt::Key_Insert, {}, Qt::ShiftModifier)));
+    QCOMPARE(m_view->toPlainText(), QString("twoone two three"));
 }
 
 void LogViewEventsTest::claimsItsKeysBeforeShortcutsOfTheWindow() {

@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include <array>
 #include <future>
 #include <stdexcept>
 #include <string>
@@ -36,6 +37,7 @@ private slots:
     void givesNoAnswerThatIsForgotten();
     void givesTheAnswerToTheLastQuestionOnly();
     void waitsForNoAnswerToAQuestionThatFails();
+    void asksNoMoreWhileEightAreUnanswered();
 
 private:
     MainThreadQueue m_queue;
@@ -103,6 +105,29 @@ void LookupTest::waitsForNoAnswerToAQuestionThatFails() {
     held.answer("there");
     QTRY_COMPARE(given, std::string("there"));
     QVERIFY(!lookup.isWaiting());
+}
+
+// Each of them keeps a thread, of which there are not any number.
+void LookupTest::asksNoMoreWhileEightAreUnanswered() {
+    Lookup lookup(m_queue);
+    std::array<HeldQuestion, 8> held;
+    std::string given;
+    const auto note = [&](const std::string& text) { given += text; };
+    for (HeldQuestion& question : held) {
+        QVERIFY(lookup.ask(question.question(), note));
+    }
+    QVERIFY(!lookup.ask([] { return "ninth"; }, note, LONG));
+    QVERIFY(!lookup.isWaiting());
+    held[3].answer("fourth");
+    bool isAsked = false;
+    QTRY_VERIFY(isAsked || (isAsked = lookup.ask([] { return "tenth"; }, note, LONG)));
+    for (HeldQuestion& question : held) {
+        if (&question != &held[3]) {
+            question.answer("late");
+        }
+    }
+    QTest::qWait(100);
+    QCOMPARE(given, std::string("tenth"));
 }
 
 } // namespace flashwriter::testing
