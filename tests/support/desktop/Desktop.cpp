@@ -99,10 +99,11 @@ Desktop::~Desktop() {
     std::filesystem::remove_all(m_directory, ignored);
 }
 
+// A key that a busy machine lets go of late is not to be typed again and again: -r.
 void Desktop::startScreen() {
     const std::string size = std::to_string(WIDTH) + "x" + std::to_string(HEIGHT) + "x24";
-    m_screen = std::make_unique<ChildProcess>(
-        tool({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"}));
+    m_screen = std::make_unique<ChildProcess>(tool(
+        {"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset", "-r"}));
     set("DISPLAY", ":" + firstLine(*m_screen, "Xvfb"));
     // With the first key that is ever pressed the server tells everybody of another keyboard, and
     // the window manager lets go of its keys for a moment: better now than in a test.

@@ -117,6 +117,15 @@ TEST_F(SampleOnDesktop, IsWorkedByMouseAndKeys) {
     EXPECT_TRUE(fieldHolds("")) << m_reader.everything();
 }
 
+// As a busy machine does, which lets go of it late.
+TEST_F(SampleOnDesktop, TypesOnceWhatIsHeldDownForLong) {
+    click(m_reader.get("field").place().centre());
+    toolOutput({"xdotool", "keydown", "x", "sleep", "1", "keyup", "x", "key", "y"});
+    EXPECT_TRUE(m_reader.waitUntil(
+        "field", [](const Accessible& field) { return field.text().ends_with("y"); }));
+    EXPECT_EQ(m_reader.get("field").text(), "xy");
+}
+
 TEST_F(SampleOnDesktop, TakesWhatIsDraggedFromAnotherProgram) {
     ChildProcess source(program({DRAG_SOURCE, "/tmp/a file.bin"}));
     ASSERT_TRUE(eventually([] { return activeWindow() == "Files"; }));
