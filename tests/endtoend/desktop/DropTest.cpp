@@ -3,12 +3,21 @@
 #include "tests/support/Eventually.h"
 
 #include <filesystem>
+#include <functional>
 
 namespace flashwriter::testing {
 namespace {
 
 class DesktopDrop : public DesktopFixture {
 protected:
+    // Until something is so. A drag may begin late, and only movements tell a target of it.
+    static bool hovers(Point target, const std::function<bool()>& isSo) {
+        int moves = 0;
+        return eventually([&] {
+            moveTo({target.x + moves++ % 2, target.y});
+            return isSo();
+        });
+    }
     // Drags these files onto a control, where the button is let go.
     void drop(const std::vector<std::string>& files, const std::string& name = IMAGE_FILE) {
         ChildOptions options;
@@ -17,9 +26,11 @@ protected:
         ChildProcess source(options);
         ASSERT_TRUE(eventually([] { return activeWindow() == "Files"; }));
         const Accessible window = ScreenReader(source.pid()).get("Drag me");
-        drag(window.place().centre(), screen().get(name).place().centre(), [&] {
-            EXPECT_TRUE(m_program.waitUntilEnabled(IMAGE_FILE, name != IMAGE_FILE))
-                << "disabled while a drag is over it";
+        const Point target = screen().get(name).place().centre();
+        drag(window.place().centre(), target, [&] {
+            EXPECT_TRUE(hovers(target, [&] {
+                return screen().get(IMAGE_FILE).enabled() == (name != IMAGE_FILE);
+            })) << "disabled while a drag is over it";
         });
         EXPECT_TRUE(m_program.waitUntilEnabled(IMAGE_FILE));
     }
