@@ -1,5 +1,7 @@
 #include "tests/support/HeldUp.h"
 
+#include <iostream>
+
 namespace flashwriter::board {
 
 namespace {
@@ -38,6 +40,16 @@ bool wasHeldUp(const Transcript& transcript, std::size_t from) {
         }
     }
     return false;
+}
+
+bool isMadeAnew(const Transcript& transcript) {
+    static bool isFirst = true;
+    if (!isFirst || !wasHeldUp(transcript, 0)) {
+        return false;
+    }
+    isFirst = false;
+    std::cout << "A write is made anew because the machine was held up.\n";
+    return true;
 }
 
 } // namespace flashwriter::board

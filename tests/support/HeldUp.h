@@ -12,4 +12,8 @@ namespace flashwriter::board {
 // write for it has to bound how many.
 bool wasHeldUp(const Transcript& transcript, std::size_t from);
 
+// Whether a write that has failed, of which this is the transcript, is to be made anew: it was held
+// up, and is the first in this process. Prints that it is made anew.
+bool isMadeAnew(const Transcript& transcript);
+
 } // namespace flashwriter::board

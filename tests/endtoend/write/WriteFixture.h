@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,11 +32,21 @@ protected:
     ChildOptions flashwrite(const std::string& speed, const std::string& file) const;
 
     // Powers a board up, writes the file as a person would, and compares the board's flash with
-    // the image. The log and the outcome on the terminal are those of a success.
+    // the image. The log and the outcome on the terminal are those of a success. A write that fails
+    // because the machine was held up is made anew, once.
     void writeAndReadBack(const std::string& speed, const std::string& file, const Bytes& image);
 
     board::BoardOptions m_options;
     board::VirtualBoard m_board;
+
+private:
+    struct Written {
+        std::optional<int> status; // the program's; none while it runs
+        std::string output;
+        std::string terminal;
+        Bytes before; // in the board's flash
+    };
+    Written write(const std::string& speed, const std::string& file);
 };
 
 } // namespace flashwriter::testing

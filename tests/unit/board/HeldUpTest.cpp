@@ -39,5 +39,17 @@ TEST(HeldUp, CountsFromTheRecordThatIsGiven) {
     EXPECT_FALSE(wasHeldUp(twice, 2));
 }
 
+// What it says then is counted.
+TEST(HeldUp, ExcusesOneWriteOfAProcess) {
+    const Transcript late{at(0, Kind::reply), at(90, Kind::hostFrame)};
+    const Transcript inTime{at(0, Kind::reply), at(70, Kind::hostFrame)};
+    ::testing::internal::CaptureStdout();
+    EXPECT_FALSE(isMadeAnew(inTime));
+    EXPECT_TRUE(isMadeAnew(late));
+    EXPECT_FALSE(isMadeAnew(late));
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+              "A write is made anew because the machine was held up.\n");
+}
+
 } // namespace
 } // namespace flashwriter::board
