@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <string>
 #include <thread>
+#include <utility>
 
 namespace flashwriter::kernel {
 namespace {
@@ -103,7 +105,7 @@ TEST_F(Window, WritesBothKindsOfFilesAtBothSpeeds) {
     }
 }
 
-// At the monitor's first speed, and at one that the kernel has no name of its own for.
+// At the speed that the window begins with, and at one that the kernel has no name of its own for.
 TEST_F(Window, ListensAndWritesInBothSensesOfDtr) {
     plugIn();
     ShownWindow window(guest(), port());

@@ -18,6 +18,14 @@ FailureFacts motFacts() {
     return facts;
 }
 
+// The image is there and cannot be opened.
+FailureFacts refusedFacts(int error) {
+    FailureFacts facts = goodFacts();
+    facts.file.state = FileState::NotReadable;
+    facts.file.error = error;
+    return facts;
+}
+
 TEST(FileAdvice, WhatStandsAtThePathComesFirst) {
     const std::pair<FileState, const char*> states[] = {
         {FileState::Missing, "No such file: image.bin. Check the path."},
@@ -38,11 +46,8 @@ TEST(FileAdvice, WhatStandsAtThePathComesFirst) {
 }
 
 TEST(FileAdvice, ALoopOfLinksIsToldFromARefusal) {
-    FailureFacts facts = goodFacts();
-    facts.file.state = FileState::NotReadable;
-    facts.file.error = ELOOP;
     for (const ResultCode code : {RESULT_FILE_NOT_FOUND, RESULT_FILE_READ_FAILED}) {
-        EXPECT_EQ(advice(code, facts),
+        EXPECT_EQ(advice(code, refusedFacts(ELOOP)),
                   "image.bin leads nowhere: a link on the way leads back to itself, or there are "
                   "too many of them. Name the image itself, or make the link again.");
     }
@@ -50,34 +55,24 @@ TEST(FileAdvice, ALoopOfLinksIsToldFromARefusal) {
 
 // A process may have only so many files open, and so may the system.
 TEST(FileAdvice, AShortageIsNoMatterOfPermissions) {
-    FailureFacts facts = goodFacts();
-    facts.file.state = FileState::NotReadable;
     for (const int error : {EMFILE, ENFILE, ENOMEM}) {
-        facts.file.error = error;
-        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, refusedFacts(error)),
                   std::string("image.bin cannot be opened now: ") + std::strerror(error) +
                       ". Close other programs, or start this one again.");
     }
 }
 
 TEST(FileAdvice, APathThatIsTooLongIsNoMatterOfPermissions) {
-    FailureFacts facts = goodFacts();
-    facts.file.state = FileState::NotReadable;
-    facts.file.error = ENAMETOOLONG;
-    EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+    EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, refusedFacts(ENAMETOOLONG)),
               "image.bin is a longer path than the system takes: check it, or move the image to "
               "where its path is shorter.");
 }
 
 TEST(FileAdvice, OnlyARefusalIsAMatterOfPermissions) {
-    FailureFacts facts = goodFacts();
-    facts.file.state = FileState::NotReadable;
-    facts.file.error = EPERM;
-    EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+    EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, refusedFacts(EPERM)),
               "image.bin may not be read: Operation not permitted. Check its permissions.");
     for (const int error : {ESTALE, ENODEV, ENXIO}) {
-        facts.file.error = error;
-        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, facts),
+        EXPECT_EQ(advice(RESULT_FILE_NOT_FOUND, refusedFacts(error)),
                   std::string("image.bin cannot be opened: ") + std::strerror(error) +
                       ". Check the disk that it is on, or put the image on another.");
     }
